@@ -1,0 +1,26 @@
+# Build options and the compile flags that every target of this project shares.
+option(QUENTA_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer (native only)" OFF)
+option(QUENTA_TESTS "Build the tests" ON)
+option(QUENTA_BENCH "Build the benchmarks" OFF)
+
+add_library(quenta_flags INTERFACE)
+target_compile_options(quenta_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror)
+target_include_directories(quenta_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+if(WIN32)
+  target_compile_definitions(quenta_flags INTERFACE
+    UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT WINVER=0x0A00 _WIN32_WINNT=0x0A00)
+  # Everything is linked statically: the suite's machines have no compiler runtime of ours.
+  target_link_options(quenta_flags INTERFACE -static -static-libgcc -static-libstdc++)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # A 32-bit host may call with the stack aligned to 4 bytes only, and SSE code of ours needs 16.
+    target_compile_options(quenta_flags INTERFACE -mstackrealign)
+  endif()
+endif()
+
+if(QUENTA_SANITIZE)
+  target_compile_options(quenta_flags INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quenta_flags INTERFACE -fsanitize=address,undefined)
+endif()

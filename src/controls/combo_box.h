@@ -1,0 +1,82 @@
+// Drop-down list, with or without typing; its entries carry a text and a number (the item data).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "controls/control.h"
+
+namespace quenta::controls {
+
+class ComboBox final : public Control {
+ public:
+  // kList can only be chosen from; kEditable can be typed into.
+  enum class Style { kList, kEditable };
+
+  ComboBox(std::string name, Style style) : Control(std::move(name)), style_(style) {}
+
+  ControlKind kind() const noexcept override { return ControlKind::kComboBox; }
+  std::string Describe() const override { return text(); }
+  Style style() const noexcept { return style_; }
+
+  // Entries. Indexes run from 0; -1 stands for none.
+  void Clear();
+  void AddItem(std::string text);
+  int NewIndex() const noexcept { return static_cast<int>(items_.size()) - 1; }  // of the entry added last
+  int ListCount() const noexcept { return static_cast<int>(items_.size()); }
+  const std::string& List(int index) const { return items_.at(static_cast<std::size_t>(index)).text; }
+  // Nothing where no number was set.
+  std::optional<std::int32_t> ItemData(int index) const { return items_.at(static_cast<std::size_t>(index)).data; }
+  void SetItemData(int index, std::int32_t data) { items_.at(static_cast<std::size_t>(index)).data = data; }
+  // Many changes of entries told to the view as one.
+  void BeginUpdate() noexcept { ++updating_; }
+  void EndUpdate();
+
+  int ListIndex() const noexcept { return list_index_; }
+  // Selects an entry and shows its text; -1 clears the selection, and in a kList box the text too.
+  void SetListIndex(int index);
+  std::optional<std::int32_t> SelectedItemData() const;
+
+  // What the box shows: the selected entry's text, or what stands in an editable box.
+  const std::string& text() const noexcept { return text_; }
+  // Editable boxes only: puts any text in; the selection goes unless an entry was selected with this very text.
+  void set_text(std::string text);
+
+  bool locked() const noexcept { return locked_; }
+  void set_locked(bool locked);
+  std::size_t max_length = 0;      // of an editable box, in UTF-16 units; 0 is no limit
+  int drop_down_rows = 15;         // entries visible when dropped down
+
+  TextRange selection() const noexcept { return selection_; }
+  void Select(TextRange range);
+  void SelectAll();
+  void SelectionMoved(TextRange range) noexcept { selection_ = range; }
+
+  std::function<void()> on_change;  // the user changed the text of an editable box by typing
+  std::function<void()> on_click;   // the user chose an entry
+
+  void Typed(std::string text);
+  // The user chose an entry (-1: none).
+  void Chosen(int index);
+
+ private:
+  struct Item {
+    std::string text;
+    std::optional<std::int32_t> data;
+  };
+
+  void ItemsChanged();
+  void TakeIndex(int index);
+
+  Style style_;
+  std::vector<Item> items_;
+  int list_index_ = -1;
+  std::string text_;
+  bool locked_ = false;
+  int updating_ = 0;
+  bool items_changed_ = false;
+  TextRange selection_;
+};
+
+}  // namespace quenta::controls

@@ -1,0 +1,94 @@
+#include "controls/form.h"
+
+namespace quenta::controls {
+
+Form::Form(ports::FormHost& host, std::string name) : host_(host), name_(std::move(name)), caption_(name_) {}
+
+Form::~Form() = default;
+
+void Form::set_caption(std::string caption) {
+  if (caption_ == caption) return;
+  caption_ = std::move(caption);
+  Changed(FormAspect::kCaption);
+}
+
+void Form::set_enabled(bool enabled) {
+  if (enabled_ == enabled) return;
+  enabled_ = enabled;
+  Changed(FormAspect::kEnabled);
+}
+
+void Form::set_mouse_pointer(MousePointer pointer) {
+  if (mouse_pointer_ == pointer) return;
+  mouse_pointer_ = pointer;
+  Changed(FormAspect::kMousePointer);
+}
+
+void Form::set_window_state(WindowState state) {
+  if (window_state_ == state) return;
+  window_state_ = state;
+  Changed(FormAspect::kWindowState);
+}
+
+Control* Form::Find(const std::string& control_name) const {
+  for (Control* control : controls_) {
+    if (control->name() == control_name) return control;
+  }
+  return nullptr;
+}
+
+void Form::Show() {
+  // A request that arrives while the load waits for the database changes nothing: the load shows the form at its end.
+  if (loading_) return;
+  const std::shared_ptr<Form> alive = shared_from_this();
+  if (!loaded_) {
+    loading_ = true;
+    loaded_ = true;
+    OnLoad();
+    loading_ = false;
+    if (!loaded_) return;
+  }
+  host_.Show(*this);
+  visible_ = loaded_;
+}
+
+bool Form::Unload() {
+  if (!loaded_) return true;
+  if (unloading_ || loading_) return false;
+  const std::shared_ptr<Form> alive = shared_from_this();
+  unloading_ = true;
+  bool cancel = false;
+  OnUnload(cancel);
+  unloading_ = false;
+  if (cancel && loaded_) return false;
+  host_.Close(*this);
+  Closed();
+  return true;
+}
+
+void Form::WindowLost() noexcept { Closed(); }
+
+void Form::Closed() noexcept {
+  if (!loaded_) return;
+  loaded_ = false;
+  visible_ = false;
+  OnClosed();
+}
+
+void Form::Attach(FormView* view) noexcept {
+  view_ = view;
+  for (Control* control : controls_) control->Attach(view);
+}
+
+std::string Form::Dump() const {
+  std::string text;
+  for (const Control* control : controls_) {
+    text += control->name() + "=" + control->Describe();
+    if (!control->enabled()) text += " (disabled)";
+    if (!control->visible()) text += " (hidden)";
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace quenta::controls

@@ -1,0 +1,70 @@
+// Report list with keyed rows. The window holds no copy: it asks the model for the cells it paints.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "controls/control.h"
+
+namespace quenta::controls {
+
+struct ListColumn {
+  std::string caption;
+  int width = 100;  // in 1/96 inch, before the user has changed it
+  bool right_aligned = false;
+};
+
+struct ListItem {
+  std::string key;   // unique in its list, never a bare number: "#" and an identifier
+  std::string text;  // first column
+  std::vector<std::string> sub_items;  // position 1 is sub_items[0]; those beyond the columns are a hidden store
+  int small_icon = 0;                  // image of the list's image list, from 1; 0 is none
+  bool checked = false;
+};
+
+class ListView final : public Control {
+ public:
+  ListView(std::string name, std::vector<ListColumn> columns, bool check_boxes = false)
+      : Control(std::move(name)), columns_(std::move(columns)), check_boxes_(check_boxes) {}
+
+  ControlKind kind() const noexcept override { return ControlKind::kListView; }
+  std::string Describe() const override;
+
+  const std::vector<ListColumn>& columns() const noexcept { return columns_; }
+  bool check_boxes() const noexcept { return check_boxes_; }
+
+  int Count() const noexcept { return static_cast<int>(items_.size()); }
+  void Clear();
+  // Adds a row at the end. Error 5 when the key is there already. The reference lives until the next Add or Remove.
+  ListItem& Add(std::string key, std::string text);
+  void Remove(const std::string& key);
+  // Row by position (from 0) or by key; Error 5 when there is none.
+  ListItem& At(int index);
+  ListItem& Item(const std::string& key);
+  // Tells the view after rows were changed through the references above.
+  void ItemsChanged() { Changed(Aspect::kItems); }
+
+  // Text of a cell: column 0 is the row's text; empty beyond its sub-items.
+  const std::string& Cell(int row, int column) const;
+
+  int selected() const noexcept { return selected_; }  // position of the row that has the selection mark, -1 for none
+  // Selects the row (-1: none) and scrolls it into view.
+  void Select(int index);
+
+  std::function<void()> on_item_click;             // the user chose another row, or clicked the one chosen
+  std::function<void()> on_item_activate;          // double click or Enter
+  std::function<void()> on_context_menu;           // right click, menu key or Shift+F10
+  void Clicked(int index);
+  void Activated();
+  void ContextMenu();
+  void Checked(int index, bool checked);
+
+ private:
+  std::vector<ListColumn> columns_;
+  bool check_boxes_;
+  std::vector<ListItem> items_;
+  std::unordered_map<std::string, std::size_t> positions_;
+  int selected_ = -1;
+};
+
+}  // namespace quenta::controls

@@ -1,0 +1,42 @@
+// Questions to the user, documents to open, and waits during which the host goes on living.
+#pragma once
+
+#include <string>
+
+namespace quenta::controls {
+class Form;
+}
+
+namespace quenta::ports {
+
+enum class Icon { kNone, kInformation, kQuestion, kCritical };
+enum class Buttons { kOk, kYesNo, kYesNoCancel };
+enum class Answer { kOk, kYes, kNo, kCancel };
+
+// A message box. The title is the component's name where a text of the suite has none of its own.
+struct Message {
+  std::string text;
+  std::string title = "Quenta_Produtos";
+  Icon icon = Icon::kNone;
+  Buttons buttons = Buttons::kOk;
+  bool system_modal = false;
+};
+
+class Desktop {
+ public:
+  virtual ~Desktop() = default;
+
+  // Shows the message over the form (over the active window when null) and waits for the answer. Messages go on being
+  // processed meanwhile, so the caller must survive being entered again. Closing the box counts as Cancel where there
+  // is one, as No or OK elsewhere.
+  virtual Answer Ask(const Message& message, controls::Form* over) = 0;
+
+  // Opens the file with its program by the verb "open". False when that failed.
+  virtual bool OpenDocument(const std::string& path, const std::string& working_folder, controls::Form* over) = 0;
+
+  // Lets the host process its messages and sleeps a moment at most. False once the host is quitting: a wait that polls
+  // must then end.
+  virtual bool Breathe() = 0;
+};
+
+}  // namespace quenta::ports

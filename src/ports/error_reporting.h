@@ -1,0 +1,35 @@
+// The suite's error-reporting object, as the component calls it. None of these calls ever fails: a report that cannot
+// be delivered is lost.
+#pragma once
+
+#include <string>
+
+namespace quenta::controls {
+class Form;
+}
+
+namespace quenta::ports {
+
+// The five texts of a report.
+struct ErrorReport {
+  std::string product;
+  std::string project;
+  std::string module;
+  std::string procedure;
+  std::string description;
+  bool operator==(const ErrorReport&) const = default;
+};
+
+class ErrorReporting {
+ public:
+  virtual ~ErrorReporting() = default;
+  virtual void Report(const ErrorReport& report) noexcept = 0;
+
+  // Progress of a reconnect, each with the form it disturbs (may be null).
+  virtual void SQLReconnectShow(controls::Form* form) noexcept = 0;
+  virtual void SQLReconnectShutdown(controls::Form* form) noexcept = 0;
+  virtual void SQLReconnectShowBad(controls::Form* form) noexcept = 0;
+  virtual void SQLReconnectShowOK(controls::Form* form) noexcept = 0;
+};
+
+}  // namespace quenta::ports

@@ -1,0 +1,29 @@
+// The part of the outside that turns form models into windows and keeps them in order.
+#pragma once
+
+namespace quenta::controls {
+class Form;  // handed through as a name; a port never looks inside
+}
+
+namespace quenta::ports {
+
+class FormHost {
+ public:
+  virtual ~FormHost() = default;
+
+  // Makes the form's window on first use (modeless, over the caller's window, without an owner) and brings it to the
+  // front. The host keeps the form alive until its window is gone.
+  virtual void Show(controls::Form& form) = 0;
+
+  // Removes the window without asking the form. Safe from inside the form's own events: what is still running ends
+  // first. Nothing happens when the form has no window.
+  virtual void Close(controls::Form& form) = 0;
+
+  // Above all windows, or back in the normal order; position and size stay.
+  virtual void SetTopmost(controls::Form& form, bool topmost) = 0;
+
+  // Puts the keyboard focus into the form's control of this name, on whatever tab page it stands.
+  virtual void Focus(controls::Form& form, const char* control_name) = 0;
+};
+
+}  // namespace quenta::ports
