@@ -4,7 +4,7 @@
 
 namespace quenta::controls {
 
-void ComboBox::ItemsChanged() {
+void ComboBox::ItemsChanged() noexcept {
   items_changed_ = true;
   if (updating_ == 0) {
     items_changed_ = false;
@@ -12,7 +12,7 @@ void ComboBox::ItemsChanged() {
   }
 }
 
-void ComboBox::EndUpdate() {
+void ComboBox::EndUpdate() noexcept {
   if (--updating_ == 0 && items_changed_) ItemsChanged();
 }
 
@@ -67,7 +67,9 @@ void ComboBox::Select(TextRange range) {
   Changed(Aspect::kCaret);
 }
 
-void ComboBox::SelectAll() { Select({0, base::Utf16Length(text_)}); }
+void ComboBox::SelectAll() {
+  Select({0, base::Utf16Length(text_)});
+}
 
 void ComboBox::Typed(std::string text) {
   if (text_ == text) return;

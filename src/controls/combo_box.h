@@ -29,9 +29,17 @@ class ComboBox final : public Control {
   // Nothing where no number was set.
   std::optional<std::int32_t> ItemData(int index) const { return items_.at(static_cast<std::size_t>(index)).data; }
   void SetItemData(int index, std::int32_t data) { items_.at(static_cast<std::size_t>(index)).data = data; }
-  // Many changes of entries told to the view as one.
-  void BeginUpdate() noexcept { ++updating_; }
-  void EndUpdate();
+  // While one lives, changes of entries are gathered and told to the view as one at its end.
+  class Update {
+   public:
+    explicit Update(ComboBox& box) noexcept : box_(box) { ++box_.updating_; }
+    ~Update() { box_.EndUpdate(); }
+    Update(const Update&) = delete;
+    Update& operator=(const Update&) = delete;
+
+   private:
+    ComboBox& box_;
+  };
 
   int ListIndex() const noexcept { return list_index_; }
   // Selects an entry and shows its text; -1 clears the selection, and in a kList box the text too.
@@ -45,8 +53,11 @@ class ComboBox final : public Control {
 
   bool locked() const noexcept { return locked_; }
   void set_locked(bool locked);
-  std::size_t max_length = 0;      // of an editable box, in UTF-16 units; 0 is no limit
-  int drop_down_rows = 15;         // entries visible when dropped down
+
+  // Properties of the box's design, set before there is a window.
+  bool holds_text = false;     // the record keeps the text of the entry, not its item data, even where it is a number
+  std::size_t max_length = 0;  // of an editable box, in UTF-16 units; 0 is no limit
+  int drop_down_rows = 15;     // entries visible when dropped down
 
   TextRange selection() const noexcept { return selection_; }
   void Select(TextRange range);
@@ -66,7 +77,8 @@ class ComboBox final : public Control {
     std::optional<std::int32_t> data;
   };
 
-  void ItemsChanged();
+  void ItemsChanged() noexcept;
+  void EndUpdate() noexcept;
   void TakeIndex(int index);
 
   Style style_;

@@ -50,8 +50,8 @@ class Toolbar final : public Control {
     std::string tooltip;
     bool enabled = true;
     bool visible = true;
-    bool starts_group = false;       // a separator stands before it
-    std::vector<MenuEntry> menu{};   // entries of its drop-down, if it has one
+    bool starts_group = false;      // a separator stands before it
+    std::vector<MenuEntry> menu{};  // entries of its drop-down, if it has one
   };
 
   Toolbar(std::string name, std::vector<Button> buttons) : Control(std::move(name)), buttons_(std::move(buttons)) {}
@@ -78,13 +78,13 @@ class Toolbar final : public Control {
 
 // An entry of a menu bar or pop-up menu, with its entries below it. An entry without a caption is a separator.
 struct MenuItem {
-  std::string name;      // "mnStocksPropriedades"
-  std::string caption;   // with its mnemonic, "&Propriedades…"
-  std::string shortcut;  // as shown beside it: "Ctrl+S"; the form's shortcuts make it work
+  std::string name{};      // "mnStocksPropriedades"
+  std::string caption{};   // with its mnemonic, "&Propriedades…"
+  std::string shortcut{};  // as shown beside it: "Ctrl+S"; the form's shortcuts make it work
   bool enabled = true;
   bool checked = false;
-  std::function<void()> on_click;
-  std::vector<MenuItem> items;
+  std::function<void()> on_click{};
+  std::vector<MenuItem> items{};
 };
 
 // Depth-first search by name; null when there is none.

@@ -8,6 +8,7 @@
 #include "controls/commands.h"
 #include "controls/layout.h"
 #include "ports/form_host.h"
+#include "ports/host_object.h"
 
 namespace quenta::controls {
 
@@ -50,6 +51,9 @@ class Form : public std::enable_shared_from_this<Form> {
   std::vector<MenuItem>& menus() noexcept { return menus_; }
   void MenusChanged() { Changed(FormAspect::kMenus); }
   const std::vector<Shortcut>& shortcuts() const noexcept { return shortcuts_; }
+
+  // The host's window object that asked for the form, which it is placed over; null for none.
+  virtual ports::HostObjectRef Caller() const { return nullptr; }
 
   bool loaded() const noexcept { return loaded_; }
   // True once the load has ended and the form is on the screen; false while it fills itself.

@@ -22,6 +22,8 @@ class Row {
   // Throws Error 3265 when the result has no such column.
   const base::Value& operator[](std::string_view column) const;
   const base::Value& At(std::size_t column) const;
+  // Position of the column, found as operator[] finds it.
+  std::optional<std::size_t> FindColumn(std::string_view column) const;
 
  private:
   const RowSet* rows_;
@@ -69,6 +71,12 @@ class RowSet {
   std::vector<base::Value> cells_;
 };
 
-inline const base::Value& Row::At(std::size_t column) const { return rows_->Cell(index_, column); }
+inline std::optional<std::size_t> Row::FindColumn(std::string_view column) const {
+  return rows_->FindColumn(column);
+}
+
+inline const base::Value& Row::At(std::size_t column) const {
+  return rows_->Cell(index_, column);
+}
 
 }  // namespace quenta::ports

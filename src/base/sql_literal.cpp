@@ -1,0 +1,22 @@
+#include "base/sql_literal.h"
+
+#include "base/date.h"
+#include "base/format.h"
+#include "base/text.h"
+
+namespace quenta::base {
+
+std::string SqlSafeText(std::string_view text) {
+  return ReplaceAll(text, "'", "' + CHAR(39) + '");
+}
+
+std::string SqlTextLiteral(std::string_view text) {
+  return "'" + SqlSafeText(text) + "'";
+}
+
+std::string SqlDateLiteral(Date date, bool with_time) {
+  if (date == EmptyDate() || date.days == 0) return "null";
+  return "CONVERT(DATETIME,'" + Format(date, with_time ? "yyyy-mm-dd Hh:Nn:Ss" : "yyyy-mm-dd", Locale{}) + "',102)";
+}
+
+}  // namespace quenta::base

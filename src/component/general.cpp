@@ -1,0 +1,84 @@
+#include "component/general.h"
+
+#include "base/convert.h"
+#include "component/connecting.h"
+#include "component/session/guarded.h"
+
+namespace quenta::component {
+namespace {
+
+constexpr session::Labels kLabels{"Programa de Contabilidade", "Quenta_Produtos", "General",
+                                  session::DescriptionStyle::kAlone};
+// Kept as the suite has them: this one method reports under other labels, and its own name twice.
+constexpr session::Labels kSQLConnectLabels{"Quenta Software", "Quenta Software", "SQLConnect",
+                                            session::DescriptionStyle::kAlone};
+
+}  // namespace
+
+General::General(Component& component) noexcept : component_(component) {
+  Guarded("Class_Initialize", [&] { form_ = component_.product_forms().Create(); });
+}
+
+General::~General() {
+  Guarded("Class_Terminate", [&] { form_.reset(); });
+}
+
+template <typename Body>
+void General::Guarded(const char* procedure, Body&& body) noexcept {
+  session::Guarded(component_.session().ports().error_reporting, kLabels, procedure, body);
+}
+
+bool General::SQLConnect(const SQLConnectArguments& arguments) noexcept {
+  return session::Guarded(component_.session().ports().error_reporting, kSQLConnectLabels, "SQLConnect",
+                          [&] { return ConnectWithArguments(component_, arguments); });
+}
+
+bool General::Login(const std::string& User, const std::string& Password) noexcept {
+  return session::Guarded(component_.session().ports().error_reporting, kLabels, "Login",
+                          [&] { return ConnectWithSettings(component_, User, Password); });
+}
+
+void General::ObjectOpen(const base::Value& PKey, ports::ProductRequest request) noexcept {
+  Guarded("ObjectOpen", [&] { Open(PKey, std::move(request)); });
+}
+
+void General::Registo(const base::Value& PKey, ports::ProductRequest request) noexcept {
+  Guarded("Registo", [&] { Open(PKey, std::move(request)); });
+}
+
+void General::ObjectNew(ports::ProductRequest request) noexcept {
+  Guarded("ObjectNew", [&] { New(std::move(request)); });
+}
+
+void General::NovoRegisto(ports::ProductRequest request) noexcept {
+  Guarded("NovoRegisto", [&] { New(std::move(request)); });
+}
+
+void General::Open(const base::Value& PKey, ports::ProductRequest request) {
+  if (!component_.session().state().connected || PKey.is_empty()) return;
+  request.produto_id = base::ToLong(PKey, component_.session().locale());
+  Show(request);
+}
+
+void General::New(ports::ProductRequest request) {
+  if (!component_.session().state().connected) return;
+  (void)request;
+}
+
+// A loaded form keeps its product: the same product is brought to the front, another one gets a form of its own, so
+// that one product's fields never stand under another's identifier. The earlier form lives on until the user closes it.
+void General::Show(const ports::ProductRequest& request) {
+  if (form_ && form_->IsLoaded()) {
+    if (form_->ProdutoId() == request.produto_id) {
+      form_->Activate();
+      return;
+    }
+    form_.reset();
+  }
+  if (!form_) form_ = component_.product_forms().Create();
+  // Held here: while the form loads, the host may let go of this object.
+  const std::shared_ptr<ports::ProductForm> form = form_;
+  form->Open(request);
+}
+
+}  // namespace quenta::component

@@ -1,0 +1,24 @@
+#include "component/session/session.h"
+
+namespace quenta::session {
+
+ports::Connection& Session::SharedConnection() {
+  if (!shared_connection_) shared_connection_ = ports_.database.CreateConnection();
+  return *shared_connection_;
+}
+
+void Session::ReleaseConnection() noexcept {
+  state_ = {};
+  shared_connection_.reset();
+}
+
+const base::Locale& Session::locale() {
+  if (!locale_) locale_ = std::make_unique<base::Locale>(ports_.settings.UserLocale());
+  return *locale_;
+}
+
+std::string Session::SettingsKey() const {
+  return R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\)" + state_.application_key;
+}
+
+}  // namespace quenta::session

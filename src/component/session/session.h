@@ -1,0 +1,62 @@
+// The session of one loaded component: who is connected to what, and the one connection on which every query runs.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "component/session/ports.h"
+
+namespace quenta::session {
+
+// The values that a successful SQLConnect or Login leaves behind. Passwords and the two connection strings are held
+// scrambled (scrambler.h).
+struct SessionState {
+  bool connected = false;
+  std::string session_user;
+  std::string session_password;
+  std::string application_key;  // subkey of the suite's registry key: "Contabilidade", "Sarvat", …
+  std::string security_info;
+  std::string database_user;
+  std::string database_password;
+  std::string initial_catalog;
+  std::string primary_data_source;
+  std::string secondary_data_source;  // empty when it is the primary one
+  std::string primary_connection_string;
+  std::string secondary_connection_string;
+  bool on_secondary = false;
+};
+
+class Session {
+ public:
+  explicit Session(const Ports& ports) : ports_(ports) {}
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  const Ports& ports() const noexcept { return ports_; }
+  SessionState& state() noexcept { return state_; }
+  const SessionState& state() const noexcept { return state_; }
+
+  // The shared connection, created closed on first use. Never closed by the component's operations.
+  ports::Connection& SharedConnection();
+
+  // Runs a statement on the shared connection.
+  ports::RowSet Query(const std::string& sql) { return SharedConnection().Query(sql); }
+  void Execute(const std::string& sql) { SharedConnection().Execute(sql); }
+
+  // Lets go of the shared connection and ends the session: COM is about to end, nothing may outlive it.
+  void ReleaseConnection() noexcept;
+
+  // The user's regional conventions, read once.
+  const base::Locale& locale();
+
+  // The session's subkey of the suite's registry key, as settings are looked up.
+  std::string SettingsKey() const;
+
+ private:
+  Ports ports_;
+  SessionState state_;
+  std::unique_ptr<ports::Connection> shared_connection_;
+  std::unique_ptr<base::Locale> locale_;
+};
+
+}  // namespace quenta::session

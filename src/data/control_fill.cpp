@@ -1,0 +1,44 @@
+#include "data/control_fill.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "base/convert.h"
+#include "component/session/guarded.h"
+
+namespace quenta::data {
+namespace {
+
+constexpr session::Labels kLabels{"Programa de Contabilidade", "Quenta_Produtos", "modControlFill",
+                                  session::DescriptionStyle::kNumbered};
+
+constexpr std::size_t kMissing = static_cast<std::size_t>(-1);
+
+std::size_t ExactColumn(const ports::RowSet& rows, const std::string& name) {
+  const auto found = std::find(rows.columns().begin(), rows.columns().end(), name);
+  return found == rows.columns().end() ? kMissing : static_cast<std::size_t>(found - rows.columns().begin());
+}
+
+}  // namespace
+
+void ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
+                 const std::string& text_column, const std::string& id_column) {
+  session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
+    const ports::RowSet rows = session.Query(sql);
+    if (rows.empty()) return;
+    const std::size_t text_at = ExactColumn(rows, text_column);
+    const std::size_t id_at = id_column.empty() ? kMissing : ExactColumn(rows, id_column);
+    if (text_at == kMissing || (!id_column.empty() && id_at == kMissing)) return;
+    const controls::ComboBox::Update update(control);
+    control.Clear();
+    for (const ports::Row row : rows) {
+      if (row.At(text_at).is_null()) continue;
+      control.AddItem(base::ToText(row.At(text_at), session.locale()));
+      if (id_at != kMissing && !row.At(id_at).is_null()) {
+        control.SetItemData(control.NewIndex(), base::ToLong(row.At(id_at), session.locale()));
+      }
+    }
+  });
+}
+
+}  // namespace quenta::data

@@ -1,0 +1,117 @@
+#include "product/frm_main.h"
+
+#include "controls/field_value.h"
+#include "product/frm_main_guard.h"
+#include "product/product_forms.h"
+
+namespace quenta::product {
+namespace {
+
+std::vector<controls::ListColumn> PriceColumns() {
+  return {{"Preço", 240, false}, {"Valor", 110, true}, {"Total com IVA", 110, true}};
+}
+
+std::vector<controls::ListColumn> StockColumns() {
+  return {{"Armazém", 220, false},  {"Em stock", 100, true},         {"Mínimo", 100, true},
+          {"Reposição", 100, true}, {"Enc. de clientes", 120, true}, {"Enc. a fornecedores", 130, true}};
+}
+
+std::vector<controls::ListColumn> HistoryColumns() {
+  return {{"Data", 90, false},      {"Entidade", 230, false},      {"Tipo", 140, false},      {"N.º", 80, false},
+          {"Quantidade", 90, true}, {"Preço unitário", 110, true}, {"Preço total", 110, true}};
+}
+
+std::vector<controls::ListColumn> DependantColumns() {
+  return {{"Código", 140, false}, {"Nome", 300, false}, {"Cor", 120, false}, {"Tamanho", 120, false}};
+}
+
+// Commands whose operations are not there yet stand disabled.
+std::vector<controls::Toolbar::Button> MainButtons() {
+  return {{.key = "gravar", .caption = "Gravar", .tooltip = "Gravar (Ctrl+S)", .enabled = false},
+          {.key = "duplicar",
+           .caption = "Duplicar",
+           .tooltip = "Duplicar este produto",
+           .enabled = false,
+           .starts_group = true},
+          {.key = "apagar", .caption = "Apagar", .tooltip = "Apagar este produto", .enabled = false},
+          {.key = "imprimir",
+           .caption = "Imprimir",
+           .tooltip = "Imprimir etiquetas",
+           .enabled = false,
+           .starts_group = true,
+           .menu = {{"etiquetas", "Etiquetas"}}},
+          {.key = "sair", .caption = "Sair", .tooltip = "Fechar a ficha (Esc)", .starts_group = true}};
+}
+
+std::vector<controls::Toolbar::Button> DependantButtons() {
+  return {
+      {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar produtos dependentes por cor e tamanho", .enabled = false},
+      {.key = "adicionar", .caption = "Adicionar", .tooltip = "Os dependentes são criados com Gerar", .enabled = false},
+      {.key = "remover", .caption = "Remover", .tooltip = "Apagar o produto dependente selecionado", .enabled = false}};
+}
+
+std::vector<controls::Toolbar::Button> HistoryButtons() {
+  return {{.key = "relatorio", .caption = "Relatório", .tooltip = "Relatório do produto", .enabled = false}};
+}
+
+std::vector<controls::TabStrip::Tab> Tabs() {
+  return {{"precos", "Preços"},
+          {"stocks", "Stocks em Armazém"},
+          {"compras", "Compras"},
+          {"vendas", "Vendas"},
+          {"encomendas_fornecedores", "Encomendas a Fornecedores"},
+          {"encomendas_clientes", "Encomendas de Clientes"},
+          {"dependentes", "Dependentes"}};
+}
+
+}  // namespace
+
+frmMain::frmMain(session::Session& session, ports::FormHost& host)
+    : Form(host, "frmMain"),
+      ListView2("ListView2", PriceColumns()),
+      ListView1("ListView1", StockColumns()),
+      ListView13("ListView13", HistoryColumns()),
+      ListView3("ListView3", DependantColumns()),
+      Toolbar1("Toolbar1", MainButtons()),
+      Toolbar2("Toolbar2", DependantButtons()),
+      Toolbar3("Toolbar3", HistoryButtons()),
+      TabStrip1("TabStrip1", Tabs()),
+      session_(session) {
+  set_caption("Ficha de Produto");
+  AddControls();
+  LayOut();
+  AddCommands();
+}
+
+void frmMain::Open(const ports::ProductRequest& request) {
+  request_ = request;
+  produto_id_ = request.produto_id;
+  Show();
+}
+
+void frmMain::OnLoad() {
+  Guarded("Form_Load", [&] {
+    Fill();
+    SetHistoryPeriod();
+  });
+}
+
+// The form and its General refer to each other; here the form lets go of it and of the host's objects.
+void frmMain::OnClosed() noexcept {
+  request_ = {};
+}
+
+void frmMain::SetAltered(bool altered) {
+  altered_ = altered && !filling_;
+  if (!filling_) Toolbar1.EnableButton("gravar", altered_);
+}
+
+void frmMain::Set(controls::Control& control, const base::Value& value, int code) {
+  controls::SetFieldValue(control, value, code, session_.locale());
+}
+
+std::shared_ptr<ports::ProductForm> ProductForms::Create() {
+  return std::make_shared<frmMain>(session_, form_host_);
+}
+
+}  // namespace quenta::product

@@ -1,0 +1,111 @@
+// Shows an existing product: its row in the fields, the notes on what it is tied to, and the lock of its warehouse.
+#include "base/convert.h"
+#include "base/date.h"
+#include "base/format.h"
+#include "base/text.h"
+#include "controls/field_value.h"
+#include "data/registry.h"
+#include "data/shared_queries.h"
+#include "product/frm_main_guard.h"
+
+namespace quenta::product {
+namespace {
+
+constexpr const char* kNoteCaption = "Dados do produto";
+
+// Other modules of the suite that may bill for a product; a database need not have their tables.
+struct Association {
+  const char* exists;
+  const char* rows;
+  const char* note;
+};
+
+constexpr Association kAssociations[] = {
+    {"SELECT * FROM sysobjects WHERE name = 'tbAssociados_Quotas_Tipos'",
+     "SELECT * FROM tbAssociados_Quotas_Tipos WHERE produto_id = ", " (associado à quotização: "},
+    {"SELECT * FROM sysobjects WHERE name = 'tbTratamentos'",
+     "SELECT * FROM tbTratamentos WHERE produto_id = ", " (associado ao tratamento: "},
+    {"SELECT * FROM sysobjects WHERE name = 'tbProjectos_Servicos_Tipos'",
+     "SELECT * FROM tbProjectos_Servicos_Tipos WHERE produto_id = ", " (associado ao tipo de serviço (eventos): "},
+};
+
+}  // namespace
+
+void frmMain::Fill() {
+  Guarded("Fill", [&] {
+    const FillingMark mark(filling_);
+    FillLookups();
+    LoadProduct();
+    NoteAssociations();
+    LockByWarehouse();
+  });
+  SetAltered(false);
+}
+
+void frmMain::LoadProduct() {
+  const ports::RowSet products =
+      session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + base::DecimalText(produto_id_));
+  if (!products.empty()) ShowRecord(products.front());
+}
+
+void frmMain::ShowRecord(const ports::Row& product) {
+  using namespace controls::format_code;
+  Set(FXCodigo, product["codigo"]);
+  Set(FXFamilia_ID, product["familia_id"]);
+  FillSubfamilias();
+  Set(FXSub_Familia_ID, product["subfamilia_id"]);
+  Set(FXNome, product["nome"]);
+  Set(FXDescontinuado, product["descontinuado"]);
+  Set(FXFornecedor_ID, product["fornecedor_id"]);
+  Set(FXMarca, product["marca"]);
+  Set(FXObs, product["obs"]);
+  Set(FXAltura, product["altura"], kNumber);
+  Set(FXProfundidade, product["profundidade"], kNumber);
+  Set(FXLargura, product["largura"], kNumber);
+  Set(FXCor, product["cor"]);
+  Set(FXTamanho, product["tamanho"]);
+  Set(FXTipo_ID, product["tipo_id"]);
+  FXTipo_ID_Click();
+  Set(FXCentro_ID, product["centro_id"]);
+  set_caption("Ficha de Produto - " + FXCodigo.text() + " " + FXNome.text());
+}
+
+void frmMain::NoteAssociations() {
+  Label1.set_caption(kNoteCaption);
+  const std::string id = base::DecimalText(produto_id_);
+  for (const Association& association : kAssociations) {
+    if (session_.Query(association.exists).empty()) continue;
+    const ports::RowSet rows = session_.Query(association.rows + id);
+    if (rows.empty()) continue;
+    const base::Value& descrit = rows.front()["descrit"];
+    Label1.set_caption(Label1.caption() + association.note +
+                       (descrit.is_null() ? std::string() : base::ToText(descrit, session_.locale())) + ")");
+  }
+}
+
+void frmMain::LockByWarehouse() {
+  LockProduto(false);
+  data::Registry registry(session_.ports());
+  const base::Value armazem = registry.ObterValorString(session_.SettingsKey(), "Armazem");
+  if (armazem.is_null()) return;
+  const ports::RowSet warehouses =
+      session_.Query("SELECT * FROM tbArmazens WHERE armazem_id = " + base::ToText(armazem, session_.locale()));
+  if (!warehouses.empty() && !base::IsNonZero(warehouses.front()["can_modify_produts"])) LockProduto(true);
+}
+
+void frmMain::LockProduto(bool locked) {
+  for (controls::TextField* field : {&FXCodigo, &FXObs, &FXValor, &FXIVA, &FXTOTAL, &FXDesconto}) {
+    field->set_locked(locked);
+  }
+  for (controls::ComboBox* box : {&FXFamilia_ID, &FXSub_Familia_ID, &FXNome, &FXIva_ID}) box->set_locked(locked);
+  for (const char* key : {"gravar", "apagar", "duplicar"}) Toolbar1.ShowButton(key, !locked);
+}
+
+void frmMain::SetHistoryPeriod() {
+  const base::Date today = data::ServerDate(session_);
+  const std::string year = base::Format(today, "yyyy", session_.locale());
+  Set(FXData_Inicio, base::Format("01-01-" + year, "dd-mm-yyyy", session_.locale()));
+  Set(FXData_Fim, base::Date{today.days + 1});
+}
+
+}  // namespace quenta::product

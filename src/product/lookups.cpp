@@ -1,0 +1,58 @@
+// The lists that the record's fields choose from.
+#include "base/convert.h"
+#include "base/text.h"
+#include "data/control_fill.h"
+#include "product/frm_main_guard.h"
+
+namespace quenta::product {
+
+void frmMain::FillLookups() {
+  data::ControlFill(session_, FXTipo_ID, "SELECT * FROM tbProdutos_Tipos ORDER BY tipo_id", "descrit", "tipo_id");
+  FXTipo_ID_Click();
+  data::ControlFill(session_, FXCor, "SELECT * FROM tbProdutos_Cores ORDER BY cor_id", "descrit", "cor_id");
+  data::ControlFill(session_, FXTamanho, "SELECT * FROM tbProdutos_Tamanhos ORDER BY tamanho_id", "descrit",
+                    "tamanho_id");
+  data::ControlFill(session_, FXCentro_ID, "SELECT * FROM vwCentros_Custo ORDER BY descrit2", "descrit2", "centro_id");
+
+  const ports::RowSet familias = session_.Query("SELECT * FROM tbProdutos_Familias ORDER BY descrit");
+  {
+    const controls::ComboBox::Update update(FXFamilia_ID);
+    FXFamilia_ID.Clear();
+    for (const ports::Row familia : familias) AddEntry(FXFamilia_ID, familia, "descrit", "familia_id");
+  }
+  const ports::RowSet taxas = session_.Query("SELECT * FROM vwTaxas_Iva ORDER BY descrit2");
+  {
+    const controls::ComboBox::Update update(FXIva_ID);
+    FXIva_ID.Clear();
+    int predef = -1;
+    for (const ports::Row taxa : taxas) {
+      AddEntry(FXIva_ID, taxa, "descrit2", "iva_id");
+      if (base::IsNonZero(taxa["predef"])) predef = FXIva_ID.NewIndex();
+    }
+    FXIva_ID.SetListIndex(predef);
+  }
+  data::ControlFill(session_, FXFornecedor_ID, "SELECT * FROM vwFornecedores ORDER BY nome_union", "nome_union",
+                    "contacto_id");
+}
+
+void frmMain::FillSubfamilias() {
+  const controls::ComboBox::Update update(FXSub_Familia_ID);
+  const auto familia = FXFamilia_ID.SelectedItemData();
+  if (!familia) {
+    FXSub_Familia_ID.Clear();
+    return;
+  }
+  const ports::RowSet rows =
+      session_.Query("SELECT * FROM tbProdutos_Subfamilias WHERE familia_id = " + base::DecimalText(*familia));
+  FXSub_Familia_ID.Clear();
+  for (const ports::Row row : rows) AddEntry(FXSub_Familia_ID, row, "descrit", "subfamilia_id");
+}
+
+void frmMain::AddEntry(controls::ComboBox& box, const ports::Row& row, const char* text_column, const char* id_column) {
+  const base::Value& text = row[text_column];
+  box.AddItem(text.is_null() ? std::string() : base::ToText(text, session_.locale()));
+  const base::Value& id = row[id_column];
+  if (!id.is_null()) box.SetItemData(box.NewIndex(), base::ToLong(id, session_.locale()));
+}
+
+}  // namespace quenta::product

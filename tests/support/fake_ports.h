@@ -1,0 +1,194 @@
+// Hand-written stand-ins for the outside, for faults that no real one produces on demand.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "controls/form.h"
+#include "ports/database.h"
+#include "ports/desktop.h"
+#include "ports/error_reporting.h"
+#include "ports/form_host.h"
+#include "ports/settings.h"
+#include "support/locales.h"
+
+namespace quenta::tests {
+
+class FakeErrorReporting final : public ports::ErrorReporting {
+ public:
+  void Report(const ports::ErrorReport& report) noexcept override { reports.push_back(report); }
+  void SQLReconnectShow(controls::Form*) noexcept override { calls.push_back("SQLReconnectShow"); }
+  void SQLReconnectShutdown(controls::Form*) noexcept override { calls.push_back("SQLReconnectShutdown"); }
+  void SQLReconnectShowBad(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowBad"); }
+  void SQLReconnectShowOK(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowOK"); }
+
+  std::vector<ports::ErrorReport> reports;
+  std::vector<std::string> calls;
+};
+
+// A registry and a file system in memory. Values are keyed "HKEY_LOCAL_MACHINE\key:name".
+class FakeSettings final : public ports::Settings {
+ public:
+  std::optional<std::string> ReadRegistryText(ports::RootKey root, const std::string& subkey,
+                                              const std::string& value_name) override {
+    if (root != 0x80000002U) return std::nullopt;
+    const auto found = registry.find(subkey + ":" + value_name);
+    return found == registry.end() ? std::nullopt : std::optional(found->second);
+  }
+  std::vector<std::string> EnumerateSubkeys(ports::RootKey, const std::string& subkey) override {
+    return subkeys[subkey];
+  }
+  std::string SpecialFolder(int number) override { return number == 35 ? "C:\\ProgramData" : ""; }
+  std::string TempFolder() override { return "C:\\Temp"; }
+  std::optional<std::string> ReadFile(const std::string& path) override {
+    const auto found = files.find(path);
+    return found == files.end() ? std::nullopt : std::optional(found->second);
+  }
+  bool ReplaceFile(const std::string& path, const std::string&, const std::string& bytes) override {
+    if (files.find(path) == files.end()) return false;
+    files[path] = bytes;
+    return true;
+  }
+  base::Locale UserLocale() override { return locale; }
+
+  std::map<std::string, std::string> registry;
+  std::map<std::string, std::vector<std::string>> subkeys;
+  std::map<std::string, std::string> files;
+  base::Locale locale = PortugueseLocale();
+};
+
+// Answers questions as told and lets time pass in steps.
+class FakeDesktop final : public ports::Desktop {
+ public:
+  ports::Answer Ask(const ports::Message& message, controls::Form*) override {
+    messages.push_back(message);
+    if (while_asking) while_asking();
+    return answer;
+  }
+  bool OpenDocument(const std::string& path, const std::string&, controls::Form*) override {
+    opened.push_back(path);
+    return true;
+  }
+  bool Breathe() override {
+    ++breaths;
+    if (while_breathing) while_breathing();
+    return breaths < quits_after;
+  }
+
+  ports::Answer answer = ports::Answer::kOk;
+  std::vector<ports::Message> messages;
+  std::vector<std::string> opened;
+  int breaths = 0;
+  int quits_after = 1000;
+  std::function<void()> while_asking;
+  std::function<void()> while_breathing;
+};
+
+// Windows that exist only in name.
+class FakeFormHost final : public ports::FormHost {
+ public:
+  void Show(controls::Form& form) override { shown[&form] = form.shared_from_this(); }
+  void Close(controls::Form& form) override { shown.erase(&form); }
+  void SetTopmost(controls::Form&, bool topmost) override { window_order.push_back(topmost); }
+  void Focus(controls::Form&, const char* control_name) override { focused = control_name; }
+
+  std::map<controls::Form*, std::shared_ptr<controls::Form>> shown;
+  std::vector<bool> window_order;
+  std::string focused;
+};
+
+// How a server of FakeDatabase behaves when a connection to it is opened.
+struct FakeServer {
+  int steps_to_answer = 1;  // times State() says "connecting" before the open ends
+  bool answers = true;
+};
+
+// Servers by data source name; users by name and clear password. Queries are answered by a function.
+class FakeDatabase final : public ports::Database {
+ public:
+  std::unique_ptr<ports::Connection> CreateConnection() override;
+
+  std::map<std::string, FakeServer> servers;
+  std::map<std::string, std::string> users;
+  std::function<ports::RowSet(const std::string& sql)> on_query = [](const std::string&) { return ports::RowSet(); };
+  std::vector<std::string> opened;  // connection strings, in the order of their opens
+  int open_connections = 0;
+};
+
+class FakeConnection final : public ports::Connection {
+ public:
+  explicit FakeConnection(FakeDatabase& database) : database_(database) {}
+  ~FakeConnection() override { FakeConnection::Close(); }
+
+  ports::ConnectionState State() override {
+    if (state_ == ports::ConnectionState::kConnecting && steps_left_-- <= 0) EndOpen();
+    return state_;
+  }
+  std::string ConnectionString() override { return connection_string_; }
+  void SetConnectionString(const std::string& text) override { connection_string_ = text; }
+  int ConnectionTimeout() override { return timeout_; }
+  void SetConnectionTimeout(int seconds) override { timeout_ = seconds; }
+  void Open() override {
+    OpenAsync();
+    EndOpen();
+    ThrowIfOpenFailed();
+  }
+  void OpenAsync() override {
+    database_.opened.push_back(connection_string_);
+    state_ = ports::ConnectionState::kConnecting;
+    steps_left_ = database_.servers[Part("Data Source")].steps_to_answer;
+  }
+  void ThrowIfOpenFailed() override {
+    if (state_ == ports::ConnectionState::kClosed)
+      throw base::Error(base::error_number::kDataAccess, "Cannot connect.");
+  }
+  void Close() override {
+    if (state_ == ports::ConnectionState::kOpen) --database_.open_connections;
+    state_ = ports::ConnectionState::kClosed;
+  }
+  ports::RowSet Query(const std::string& sql) override {
+    if (state_ != ports::ConnectionState::kOpen) {
+      throw base::Error(base::error_number::kClosedConnection, "The connection is closed.");
+    }
+    return database_.on_query(sql);
+  }
+  void Execute(const std::string& sql) override { Query(sql); }
+  void BeginTransaction() override {}
+  void CommitTransaction() override {}
+  void RollbackTransaction() override {}
+
+ private:
+  // The value of a keyword, which in these tests is never quoted.
+  std::string Part(const std::string& keyword) const {
+    const std::size_t at = connection_string_.find(";" + keyword + "=");
+    if (at == std::string::npos) return {};
+    const std::size_t start = at + keyword.size() + 2;
+    return connection_string_.substr(start, connection_string_.find(';', start) - start);
+  }
+  void EndOpen() {
+    const auto user = database_.users.find(Part("User ID"));
+    const bool good = database_.servers[Part("Data Source")].answers && user != database_.users.end() &&
+                      user->second == Part("Password");
+    state_ = good ? ports::ConnectionState::kOpen : ports::ConnectionState::kClosed;
+    if (good) ++database_.open_connections;
+  }
+
+  FakeDatabase& database_;
+  std::string connection_string_;
+  int timeout_ = 15;
+  ports::ConnectionState state_ = ports::ConnectionState::kClosed;
+  int steps_left_ = 0;
+};
+
+inline std::unique_ptr<ports::Connection> FakeDatabase::CreateConnection() {
+  return std::make_unique<FakeConnection>(*this);
+}
+
+}  // namespace quenta::tests

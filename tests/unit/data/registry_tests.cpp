@@ -1,0 +1,87 @@
+#include "data/registry.h"
+
+#include "gtest/gtest.h"
+#include "support/fake_ports.h"
+
+namespace quenta::tests {
+namespace {
+
+using base::Value;
+
+constexpr const char* kShadow = "C:\\ProgramData\\Torvik Software\\RegShadow.db";
+constexpr const char* kKey = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\Contabilidade)";
+
+class RegistryTest : public ::testing::Test {
+ protected:
+  FakeDatabase database;
+  FakeSettings settings;
+  FakeDesktop desktop;
+  FakeErrorReporting reporting;
+  session::Ports ports{database, settings, desktop, reporting};
+  data::Registry registry{ports};
+};
+
+TEST_F(RegistryTest, AKeyPathIsSplitOrRefusedWithTheMessage) {
+  std::string path = kKey;
+  ports::RootKey root = 1;
+  EXPECT_TRUE(registry.FormatarChave(path, root));
+  EXPECT_EQ(path, R"(SOFTWARE\Ambrell\Contabilidade)");
+  EXPECT_EQ(root, 0x80000002U);
+
+  path = "HKEY_USERS";
+  EXPECT_TRUE(registry.FormatarChave(path, root));
+  EXPECT_EQ(path, "");
+  EXPECT_EQ(root, 0x80000003U);
+
+  path = R"(HKEY_LOCAL_MACHINE\SOFTWARE\)";
+  EXPECT_FALSE(registry.FormatarChave(path, root));
+  EXPECT_EQ(path, R"(HKEY_LOCAL_MACHINE\SOFTWARE\)");
+  EXPECT_EQ(root, 0x80000003U);
+  ASSERT_EQ(desktop.messages.size(), 1U);
+  EXPECT_EQ(desktop.messages[0].text, "Formato Incorrecto:\n\nHKEY_LOCAL_MACHINE\\SOFTWARE\\");
+  EXPECT_EQ(desktop.messages[0].icon, ports::Icon::kNone);
+  EXPECT_EQ(data::Registry::ObterHandleChavePrincipal("HKEY_NOWHERE"), 0U);
+}
+
+TEST_F(RegistryTest, TheShadowFileWinsOverTheRegistryExceptForUserSettings) {
+  settings.registry = {{R"(SOFTWARE\Ambrell\Contabilidade:Armazem)", " 1 "}};
+  EXPECT_EQ(registry.ObterValorString(kKey, "Armazem"), Value("1"));
+  settings.files[kShadow] = std::string("lixo\r\nhkey_local_machine\\software\\ambrell\\contabilidade:ARMAZEM=2\r\n") +
+                            kKey + ":Templates=C:\\Modelos \xE7\xE3o";
+  EXPECT_EQ(registry.ObterValorString(kKey, "Armazem"), Value("2"));
+  EXPECT_EQ(registry.ObterValorString(kKey, "Armazem", Value::Null(), true), Value("1"));
+  EXPECT_EQ(registry.ObterValorString(kKey, "Templates"), Value("C:\\Modelos ção")) << "no line end, ANSI bytes";
+  EXPECT_EQ(registry.ObterValorString(kKey, "Templ"), Value("tes=C:\\Modelos ção")) << "a longer name matches too";
+  EXPECT_EQ(registry.ObterValorString(R"(HKEY_CURRENT_USER\Software\X)", "Y", "d"), Value::Null());
+}
+
+TEST_F(RegistryTest, ADefaultThatWasUsedIsRecordedUnderTheEndOfTheReferences) {
+  settings.registry = {
+      {R"(SOFTWARE\Ambrell\Contabilidade:Templates)", R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\Shared)"}};
+  EXPECT_EQ(registry.ObterValorString(kKey, "Templates", "C:\\M"), Value("C:\\M"));
+  EXPECT_TRUE(settings.files.empty()) << "an absent shadow file stays absent";
+
+  settings.files[kShadow] = "outra:linha=1\r\n";
+  EXPECT_EQ(registry.ObterValorString(kKey, "Templates", "C:\\M"), Value("C:\\M"));
+  EXPECT_EQ(settings.files[kShadow],
+            "outra:linha=1\r\nHKEY_LOCAL_MACHINE\\SOFTWARE\\Ambrell\\Shared:Templates=C:\\M\r\n");
+}
+
+TEST_F(RegistryTest, ReferencesAreFollowedAndACycleCountsAsMissing) {
+  settings.registry = {{R"(SOFTWARE\A:v)", R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\B)"},
+                       {R"(SOFTWARE\B:v)", R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\C)"},
+                       {R"(SOFTWARE\C:v)", "fim"}};
+  EXPECT_EQ(registry.ObterValorString(R"(HKEY_LOCAL_MACHINE\SOFTWARE\A)", "v"), Value("fim"));
+  settings.registry[R"(SOFTWARE\C:v)"] = R"(SREF=HKEY_LOCAL_MACHINE\software\a)";
+  settings.registry[R"(software\a:v)"] = R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\B)";
+  EXPECT_EQ(registry.ObterValorString(R"(HKEY_LOCAL_MACHINE\SOFTWARE\A)", "v"), Value::Null());
+}
+
+TEST_F(RegistryTest, ARewriteReplacesTheFirstMatchDropsTheOthersAndKeepsTheRest) {
+  settings.files[kShadow] = "a:x=1\r\nHKEY_K\\P:nome=antigo\r\nhkey_k\\p:NOMEADO=2\r\nb:y=2\r\n";
+  EXPECT_TRUE(registry.DefinirValorShadow("HKEY_K\\P", "nome", "novo"));
+  EXPECT_EQ(settings.files[kShadow], "a:x=1\r\nHKEY_K\\P:nome=novo\r\nb:y=2\r\n");
+}
+
+}  // namespace
+}  // namespace quenta::tests

@@ -1,0 +1,140 @@
+#include "data/sql_field.h"
+
+#include "base/date.h"
+#include "data/shared_queries.h"
+#include "gtest/gtest.h"
+#include "support/fake_ports.h"
+
+namespace quenta::tests {
+namespace {
+
+using base::Value;
+using data::ListKind;
+using data::SQLKind;
+
+class SQLFieldTest : public ::testing::Test {
+ protected:
+  FakeDatabase database;
+  FakeSettings settings;
+  FakeDesktop desktop;
+  FakeErrorReporting reporting;
+  session::Session session{{database, settings, desktop, reporting}};
+};
+
+TEST_F(SQLFieldTest, BuildsTheLiteralOfEachKind) {
+  struct Case {
+    SQLKind kind;
+    Value value;
+    const char* literal;
+  };
+  const base::Date moment = *base::MakeDate({2017, 12, 31, 14, 5, 9});
+  const Case cases[] = {
+      {SQLKind::kText, "  ", "null"},
+      {SQLKind::kText, Value::Null(), "null"},
+      {SQLKind::kText, " Vinha d'Alho ", "'Vinha d' + CHAR(39) + 'Alho'"},
+      {SQLKind::kText, 42, "'42'"},
+      {SQLKind::kTextNotNull, "  ", "''"},
+      {SQLKind::kTextNotNull, Value::Null(), "''"},
+      {SQLKind::kTextNotNull, "'", "'' + CHAR(39) + ''"},
+      {SQLKind::kNumber, Value::Null(), "null"},
+      {SQLKind::kNumber, "", "null"},
+      {SQLKind::kNumber, "abc", "null"},
+      {SQLKind::kNumber, "1; DROP TABLE tbProdutos", "null"},
+      {SQLKind::kNumber, true, "1"},
+      {SQLKind::kNumber, false, "0"},
+      {SQLKind::kNumber, "12,5", "12.5"},
+      {SQLKind::kNumber, "12.5", "12.5"},
+      {SQLKind::kNumber, 12.5, "12.5"},
+      {SQLKind::kNumber, base::Currency{81301}, "8.1301"},
+      {SQLKind::kNumber, -1234567.891, "-1234568"},  // seven digits once negative
+      {SQLKind::kNumber, "-0,1", "-0.1"},
+      {SQLKind::kNumber, 1234567.891, "1234567.891"},
+      {SQLKind::kNumber2, "7", "7"},
+      {SQLKind::kPattern, "", "'%%'"},
+      {SQLKind::kPattern, "caixa azul", "'%caixa%azul%'"},
+      {SQLKind::kPattern, "d'a b_", "'%d' + CHAR(39) + 'a%b_%'"},
+      {SQLKind::kDate, "- - -", "null"},
+      {SQLKind::kDate, "31122017", "CONVERT(DATETIME,'2017-12-31',102)"},
+      {SQLKind::kDate, "31-12-2017", "CONVERT(DATETIME,'2017-12-31',102)"},
+      {SQLKind::kDate, "31132017", "null"},
+      {SQLKind::kDate, "3112201", "null"},
+      {SQLKind::kDate, "01-01-1900", "null"},
+      {SQLKind::kDate, base::Date{0}, "null"},
+      {SQLKind::kDate, moment, "CONVERT(DATETIME,'2017-12-31',102)"},
+      {SQLKind::kDateTime, moment, "CONVERT(DATETIME,'2017-12-31 14:05:09',102)"},
+      {static_cast<SQLKind>(9), "x", ""},
+  };
+  for (const Case& c : cases) EXPECT_EQ(data::SQLField(session, c.value, c.kind), c.literal);
+  EXPECT_TRUE(reporting.reports.empty());
+}
+
+TEST_F(SQLFieldTest, AnErrorIsReportedAndGivesNothing) {
+  EXPECT_EQ(data::SQLField(session, "-1E300", SQLKind::kNumber), "");
+  ASSERT_EQ(reporting.reports.size(), 1U);
+  EXPECT_EQ(reporting.reports[0].procedure, "SQLField");
+  EXPECT_EQ(reporting.reports[0].description, "Error Number = 6 | Description = Overflow");
+}
+
+TEST_F(SQLFieldTest, TrtfChangesItsArgumentToo) {
+  std::string text = "a''b";
+  EXPECT_EQ(data::Trtf(text), "a' + CHAR(39) + '' + CHAR(39) + 'b");
+  EXPECT_EQ(text, "a' + CHAR(39) + '' + CHAR(39) + 'b");
+}
+
+TEST_F(SQLFieldTest, ListFieldShowsAColumnByItsKind) {
+  ports::RowSet rows({"Nome", "valor", "quando", "nada"});
+  for (const Value& cell :
+       {Value("Vinho"), Value(-1234.5), Value(*base::MakeDate({2017, 12, 31, 14, 5, 9})), Value::Null()}) {
+    rows.Append(cell);
+  }
+  const struct {
+    const char* column;
+    ListKind kind;
+    const char* text;
+  } cases[] = {
+      {"NOME", ListKind::kText, "Vinho"},
+      {"nada", ListKind::kAmount, " "},
+      {"outra", ListKind::kText, " "},
+      {"valor", ListKind::kNumber,
+       "- 1\xC2\xA0"
+       "234,50"},
+      {"valor", ListKind::kAmount,
+       "€ -1\xC2\xA0"
+       "234,50"},
+      {"valor", ListKind::kText, "-1234,5"},
+      {"valor", ListKind::kInteger,
+       "-1\xC2\xA0"
+       "234"},
+      {"quando", ListKind::kDate, "31-12-2017"},
+      {"quando", ListKind::kDateTime, "31-12-2017 14:05:09"},
+      {"quando", ListKind::kIsoDate, "2017-12-31"},
+      {"nome", static_cast<ListKind>(9), ""},
+  };
+  for (const auto& [column, kind, text] : cases) {
+    EXPECT_EQ(data::ListField(session, rows.front(), column, kind), text) << column;
+  }
+  EXPECT_EQ(data::ListField(session, rows.front(), "Nome", ListKind::kInteger), "");
+  EXPECT_EQ(reporting.reports.at(0),
+            (ports::ErrorReport{"Torvik Pelora Software", "Ferramentas Administrativas", "modData", "ListField",
+                                "Error Number = 13 | Description = Type mismatch"}));
+}
+
+TEST_F(SQLFieldTest, IsLocalNumericTakesEitherSeparator) {
+  for (const char* text : {"12", "12,5", "12.5", "1.234.567,5", "-3", ",5"}) {
+    base::Locale with_points = PortugueseLocale();
+    with_points.thousands = ".";
+    EXPECT_TRUE(data::IsLocalNumeric(text, with_points)) << text;
+  }
+  for (const char* text : {"", "abc", "12-13", "1,2,3"})
+    EXPECT_FALSE(data::IsLocalNumeric(text, PortugueseLocale())) << text;
+  EXPECT_TRUE(data::IsLocalNumeric("1,234.50", EnglishLocale()));
+}
+
+TEST_F(SQLFieldTest, ServerDateFallsBackToTheEmptyDate) {
+  EXPECT_EQ(data::ServerDate(session), base::EmptyDate()) << "closed connection";
+  EXPECT_FALSE(data::InTransaction(session));
+  EXPECT_TRUE(reporting.reports.empty());
+}
+
+}  // namespace
+}  // namespace quenta::tests
