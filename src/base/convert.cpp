@@ -14,9 +14,13 @@
 namespace quenta::base {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
-bool StartsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
+bool StartsWith(std::string_view text, std::string_view prefix) {
+  return text.substr(0, prefix.size()) == prefix;
+}
 
 // Takes the prefix off the text when it is there.
 bool TakePrefix(std::string_view& text, std::string_view prefix) {
@@ -255,9 +259,13 @@ std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {
   return MakeDate(time);
 }
 
-std::string NumberText(double number) { return GeneralText(number, 15); }
+std::string NumberText(double number) {
+  return GeneralText(number, 15);
+}
 
-std::string NumberText(float number) { return GeneralText(number, 7); }
+std::string NumberText(float number) {
+  return GeneralText(number, 7);
+}
 
 std::string NumberText(Currency amount) {
   const bool negative = amount.ten_thousandths < 0;
@@ -293,31 +301,54 @@ std::string WithLocaleDecimal(const std::string& text, const Locale& locale) {
 
 std::string ToText(const Value& value, const Locale& locale) {
   switch (value.kind()) {
-    case ValueKind::kEmpty: return {};
-    case ValueKind::kNull: RaiseInvalidNull();
-    case ValueKind::kBoolean: return value.get<bool>() ? "True" : "False";
-    case ValueKind::kLong: return DecimalText(value.get<std::int32_t>());
-    case ValueKind::kInt64: return DecimalText(value.get<std::int64_t>());
-    case ValueKind::kSingle: return WithLocaleDecimal(NumberText(value.get<float>()), locale);
-    case ValueKind::kDouble: return WithLocaleDecimal(NumberText(value.get<double>()), locale);
-    case ValueKind::kCurrency: return WithLocaleDecimal(NumberText(value.get<Currency>()), locale);
-    case ValueKind::kDecimal: return WithLocaleDecimal(NumberText(value.get<Decimal>()), locale);
-    case ValueKind::kDate: return DateText(value.get<Date>(), locale);
-    case ValueKind::kText: return value.text();
+    case ValueKind::kEmpty:
+      return {};
+    case ValueKind::kNull:
+      RaiseInvalidNull();
+    case ValueKind::kBoolean:
+      return value.get<bool>() ? "True" : "False";
+    case ValueKind::kLong:
+      return DecimalText(value.get<std::int32_t>());
+    case ValueKind::kInt64:
+      return DecimalText(value.get<std::int64_t>());
+    case ValueKind::kSingle:
+      return WithLocaleDecimal(NumberText(value.get<float>()), locale);
+    case ValueKind::kDouble:
+      return WithLocaleDecimal(NumberText(value.get<double>()), locale);
+    case ValueKind::kCurrency:
+      return WithLocaleDecimal(NumberText(value.get<Currency>()), locale);
+    case ValueKind::kDecimal:
+      return WithLocaleDecimal(NumberText(value.get<Decimal>()), locale);
+    case ValueKind::kDate:
+      return DateText(value.get<Date>(), locale);
+    case ValueKind::kText:
+      return value.text();
   }
   return {};
 }
 
-std::int32_t RoundToLong(double number) {
-  // Independent of the process's rounding mode: ties go to the even neighbour.
+namespace {
+
+// Independent of the process's rounding mode.
+double RoundToEven(double number) {
   const double below = std::floor(number);
   const double rest = number - below;
-  double rounded = below;
-  if (rest > 0.5 || (rest == 0.5 && std::fmod(below, 2) != 0)) rounded += 1;
+  return rest > 0.5 || (rest == 0.5 && std::fmod(below, 2) != 0) ? below + 1 : below;
+}
+
+}  // namespace
+
+std::int32_t RoundToLong(double number) {
+  const double rounded = RoundToEven(number);
   if (!(rounded >= std::numeric_limits<std::int32_t>::min() && rounded <= std::numeric_limits<std::int32_t>::max())) {
     RaiseOverflow();
   }
   return static_cast<std::int32_t>(rounded);
+}
+
+double RoundHalfEven(double number, int decimals) {
+  const double scale = std::pow(10.0, decimals);
+  return RoundToEven(number * scale) / scale;
 }
 
 std::int32_t ToLong(const Value& value, const Locale& locale) {
@@ -333,17 +364,28 @@ float ToSingle(const Value& value, const Locale& locale) {
 
 double ToDouble(const Value& value, const Locale& locale) {
   switch (value.kind()) {
-    case ValueKind::kEmpty: return 0;
-    case ValueKind::kNull: RaiseInvalidNull();
-    case ValueKind::kBoolean: return value.get<bool>() ? -1 : 0;
-    case ValueKind::kLong: return value.get<std::int32_t>();
-    case ValueKind::kInt64: return static_cast<double>(value.get<std::int64_t>());
-    case ValueKind::kSingle: return double{value.get<float>()};
-    case ValueKind::kDouble: return value.get<double>();
-    case ValueKind::kCurrency: return PlainNumber(NumberText(value.get<Currency>()));
-    case ValueKind::kDecimal: return PlainNumber(NumberText(value.get<Decimal>()));
-    case ValueKind::kDate: return value.get<Date>().days;
-    case ValueKind::kText: break;
+    case ValueKind::kEmpty:
+      return 0;
+    case ValueKind::kNull:
+      RaiseInvalidNull();
+    case ValueKind::kBoolean:
+      return value.get<bool>() ? -1 : 0;
+    case ValueKind::kLong:
+      return value.get<std::int32_t>();
+    case ValueKind::kInt64:
+      return static_cast<double>(value.get<std::int64_t>());
+    case ValueKind::kSingle:
+      return double{value.get<float>()};
+    case ValueKind::kDouble:
+      return value.get<double>();
+    case ValueKind::kCurrency:
+      return PlainNumber(NumberText(value.get<Currency>()));
+    case ValueKind::kDecimal:
+      return PlainNumber(NumberText(value.get<Decimal>()));
+    case ValueKind::kDate:
+      return value.get<Date>().days;
+    case ValueKind::kText:
+      break;
   }
   const auto number = ParseNumber(value.text(), locale);
   if (!number) RaiseTypeMismatch();
@@ -374,9 +416,12 @@ bool ToBoolean(const Value& value, const Locale& locale) {
 bool IsNumeric(const Value& value, const Locale& locale) {
   switch (value.kind()) {
     case ValueKind::kNull:
-    case ValueKind::kDate: return false;
-    case ValueKind::kText: return ParseNumber(value.text(), locale).has_value();
-    default: return true;
+    case ValueKind::kDate:
+      return false;
+    case ValueKind::kText:
+      return ParseNumber(value.text(), locale).has_value();
+    default:
+      return true;
   }
 }
 

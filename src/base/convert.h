@@ -43,6 +43,9 @@ bool ToBoolean(const Value& value, const Locale& locale);
 // A 32-bit integer, rounded to the nearest, ties to even. Error 6 when it does not fit.
 std::int32_t RoundToLong(double number);
 
+// Rounded to this many decimals, ties to the even neighbour.
+double RoundHalfEven(double number, int decimals);
+
 // Whether the conversions above would take it. Empty counts as the number 0; Null, dates and True/False do not follow
 // from text rules: a Boolean is a number, a date is not, Null is neither.
 bool IsNumeric(const Value& value, const Locale& locale);

@@ -3,6 +3,8 @@
 #include "base/convert.h"
 #include "component/connecting.h"
 #include "component/session/guarded.h"
+#include "data/check_permissions.h"
+#include "data/registry.h"
 
 namespace quenta::component {
 namespace {
@@ -12,6 +14,17 @@ constexpr session::Labels kLabels{"Programa de Contabilidade", "Quenta_Produtos"
 // Kept as the suite has them: this one method reports under other labels, and its own name twice.
 constexpr session::Labels kSQLConnectLabels{"Quenta Software", "Quenta Software", "SQLConnect",
                                             session::DescriptionStyle::kAlone};
+
+// The workstation's warehouse may forbid new products; one that is not set or has no row allows them.
+bool WarehouseAllowsNewProducts(session::Session& session) {
+  data::Registry registry(session.ports());
+  const base::Value armazem = registry.ObterValorString(session.SettingsKey(), "Armazem");
+  if (armazem.is_null()) return true;
+  const ports::RowSet rows =
+      session.Query("SELECT * FROM tbArmazens WHERE armazem_id = " + base::ToText(armazem, session.locale()));
+  return rows.empty() ||
+         (base::IsNonZero(rows.front()["sql_gateway"]) && base::IsNonZero(rows.front()["can_modify_produts"]));
+}
 
 }  // namespace
 
@@ -61,15 +74,34 @@ void General::Open(const base::Value& PKey, ports::ProductRequest request) {
 }
 
 void General::New(ports::ProductRequest request) {
-  if (!component_.session().state().connected) return;
-  (void)request;
+  session::Session& session = component_.session();
+  if (!session.state().connected) return;
+  if (!WarehouseAllowsNewProducts(session)) {
+    session.ports().desktop.Ask({.text = "Não é possível criar produtos no armazem actual.",
+                                 .title = "Criar Produto",
+                                 .icon = ports::Icon::kInformation,
+                                 .system_modal = true},
+                                nullptr);
+    return;
+  }
+  if (!data::CheckSecurityPolicy(session, session.state().session_user, "#2282")) {
+    session.ports().desktop.Ask({.text = "Não tem permissões para criar novos produtos. Contacte o administrador de "
+                                         "segurança para que lhe sejam atribuídas as permissões necessárias.",
+                                 .title = "Politicas de Segurança",
+                                 .icon = ports::Icon::kCritical},
+                                nullptr);
+    return;
+  }
+  request.produto_id = 0;
+  Show(request);
 }
 
 // A loaded form keeps its product: the same product is brought to the front, another one gets a form of its own, so
 // that one product's fields never stand under another's identifier. The earlier form lives on until the user closes it.
 void General::Show(const ports::ProductRequest& request) {
   if (form_ && form_->IsLoaded()) {
-    if (form_->ProdutoId() == request.produto_id) {
+    const bool existing = request.produto_id != 0;
+    if (existing && form_->ProdutoId() == request.produto_id) {
       form_->Activate();
       return;
     }

@@ -64,6 +64,9 @@ class ComboBox final : public Control {
   void SelectAll();
   void SelectionMoved(TextRange range) noexcept { selection_ = range; }
 
+  // Opens the list under the box; text and selection stay.
+  void ShowDropDown() { Changed(Aspect::kDropDown); }
+
   std::function<void()> on_change;  // the user changed the text of an editable box by typing
   std::function<void()> on_click;   // the user chose an entry
 

@@ -9,7 +9,8 @@ namespace {
 
 template <typename Buttons>
 auto FindButton(Buttons& buttons, const std::string& key) {
-  const auto found = std::find_if(buttons.begin(), buttons.end(), [&](const auto& button) { return button.key == key; });
+  const auto found =
+      std::find_if(buttons.begin(), buttons.end(), [&](const auto& button) { return button.key == key; });
   if (found == buttons.end()) throw base::Error(base::error_number::kInvalidCall, "Invalid procedure call or argument");
   return found;
 }
@@ -64,9 +65,13 @@ std::string Toolbar::Describe() const {
   return text;
 }
 
-Toolbar::Button& Toolbar::Find(const std::string& key) { return *FindButton(buttons_, key); }
+Toolbar::Button& Toolbar::Find(const std::string& key) {
+  return *FindButton(buttons_, key);
+}
 
-const Toolbar::Button& Toolbar::Item(const std::string& key) const { return *FindButton(buttons_, key); }
+const Toolbar::Button& Toolbar::Item(const std::string& key) const {
+  return *FindButton(buttons_, key);
+}
 
 void Toolbar::EnableButton(const std::string& key, bool enabled) {
   Button& button = Find(key);

@@ -95,7 +95,7 @@ struct Shortcut {
   int key = 0;  // virtual key code
   bool control = false;
   bool shift = false;
-  std::function<void()> run;
+  std::function<void()> run{};
 };
 
 }  // namespace quenta::controls

@@ -26,7 +26,19 @@ enum class ControlKind {
 };
 
 // What a control's model has changed by itself, for the view that shows it.
-enum class Aspect { kText, kItems, kSelection, kCaret, kEnabled, kVisible, kLocked, kValue, kCaption, kButtons };
+enum class Aspect {
+  kText,
+  kItems,
+  kSelection,
+  kCaret,
+  kEnabled,
+  kVisible,
+  kLocked,
+  kValue,
+  kCaption,
+  kButtons,
+  kDropDown
+};
 
 // The window side of a form, as its controls see it.
 class ControlView {

@@ -66,7 +66,9 @@ bool Form::Unload() {
   return true;
 }
 
-void Form::WindowLost() noexcept { Closed(); }
+void Form::WindowLost() noexcept {
+  Closed();
+}
 
 void Form::Closed() noexcept {
   if (!loaded_) return;

@@ -49,7 +49,7 @@ struct Layout {
   TabStrip* tabs = nullptr;
   std::map<std::string, Frame*> pages;  // by tab key; tabs may share a page
   std::vector<CommandButton*> buttons;
-  int minimum_width = 640;   // of the window, in 1/96 inch
+  int minimum_width = 640;  // of the window, in 1/96 inch
   int minimum_height = 400;
   int initial_width = 900;
   int initial_height = 640;

@@ -83,6 +83,8 @@ void ListView::ContextMenu() {
   if (on_context_menu) on_context_menu();
 }
 
-void ListView::Checked(int index, bool checked) { At(index).checked = checked; }
+void ListView::Checked(int index, bool checked) {
+  At(index).checked = checked;
+}
 
 }  // namespace quenta::controls

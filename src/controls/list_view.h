@@ -15,8 +15,8 @@ struct ListColumn {
 };
 
 struct ListItem {
-  std::string key;   // unique in its list, never a bare number: "#" and an identifier
-  std::string text;  // first column
+  std::string key;                     // unique in its list, never a bare number: "#" and an identifier
+  std::string text;                    // first column
   std::vector<std::string> sub_items;  // position 1 is sub_items[0]; those beyond the columns are a hidden store
   int small_icon = 0;                  // image of the list's image list, from 1; 0 is none
   bool checked = false;
@@ -51,9 +51,9 @@ class ListView final : public Control {
   // Selects the row (-1: none) and scrolls it into view.
   void Select(int index);
 
-  std::function<void()> on_item_click;             // the user chose another row, or clicked the one chosen
-  std::function<void()> on_item_activate;          // double click or Enter
-  std::function<void()> on_context_menu;           // right click, menu key or Shift+F10
+  std::function<void()> on_item_click;     // the user chose another row, or clicked the one chosen
+  std::function<void()> on_item_activate;  // double click or Enter
+  std::function<void()> on_context_menu;   // right click, menu key or Shift+F10
   void Clicked(int index);
   void Activated();
   void ContextMenu();

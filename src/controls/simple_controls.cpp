@@ -25,7 +25,9 @@ void Toggle::Clicked(bool value) {
 
 DatePicker::DatePicker(std::string name) : Control(std::move(name)), value_(base::EmptyDate()) {}
 
-std::string DatePicker::Describe() const { return base::Format(value_, "dd-mm-yyyy", {}); }
+std::string DatePicker::Describe() const {
+  return base::Format(value_, "dd-mm-yyyy", {});
+}
 
 void DatePicker::set_value(base::Date value) {
   if (value_ == value) return;
@@ -44,7 +46,9 @@ MaskEdit::MaskEdit(std::string name, std::string mask, std::string format, char 
   text_ = EmptyText();
 }
 
-std::string MaskEdit::EmptyText() const { return base::ReplaceAll(mask_, "#", std::string(1, prompt_char_)); }
+std::string MaskEdit::EmptyText() const {
+  return base::ReplaceAll(mask_, "#", std::string(1, prompt_char_));
+}
 
 void MaskEdit::set_text(std::string text) {
   if (text_ == text) return;
@@ -52,7 +56,9 @@ void MaskEdit::set_text(std::string text) {
   Changed(Aspect::kText);
 }
 
-void MaskEdit::SelectAll() { Changed(Aspect::kCaret); }
+void MaskEdit::SelectAll() {
+  Changed(Aspect::kCaret);
+}
 
 void MaskEdit::Typed(std::string text) {
   if (text_ == text) return;

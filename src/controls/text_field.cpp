@@ -22,7 +22,9 @@ void TextField::Select(TextRange range) {
   Changed(Aspect::kCaret);
 }
 
-void TextField::SelectAll() { Select({0, base::Utf16Length(text_)}); }
+void TextField::SelectAll() {
+  Select({0, base::Utf16Length(text_)});
+}
 
 void TextField::Typed(std::string text) {
   if (text_ == text) return;

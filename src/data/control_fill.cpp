@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "base/convert.h"
+#include "component/session/connection_keeper.h"
 #include "component/session/guarded.h"
 
 namespace quenta::data {
@@ -24,6 +25,7 @@ std::size_t ExactColumn(const ports::RowSet& rows, const std::string& name) {
 void ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
                  const std::string& text_column, const std::string& id_column) {
   session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
+    session::EnsureConnection(session);
     const ports::RowSet rows = session.Query(sql);
     if (rows.empty()) return;
     const std::size_t text_at = ExactColumn(rows, text_column);

@@ -16,10 +16,4 @@ base::Date ServerDate(session::Session& session) {
   return base::EmptyDate();
 }
 
-bool InTransaction(session::Session& session) {
-  if (session.SharedConnection().State() != ports::ConnectionState::kOpen) return false;
-  const ports::RowSet rows = session.Query("SELECT @@TRANCOUNT as valor");
-  return !rows.empty() && base::IsNonZero(rows.front()["valor"]);
-}
-
 }  // namespace quenta::data

@@ -3,13 +3,13 @@
 
 #include "base/value.h"
 #include "component/session/session.h"
+#include "component/session/transaction.h"
 
 namespace quenta::data {
 
 // The server's date and time; 1 January 1900 when it cannot be asked.
 base::Date ServerDate(session::Session& session);
 
-// Whether a transaction is open on the shared connection; false without a query when that is closed.
-bool InTransaction(session::Session& session);
+using session::InTransaction;
 
 }  // namespace quenta::data

@@ -66,7 +66,7 @@ std::vector<controls::TabStrip::Tab> Tabs() {
 
 }  // namespace
 
-frmMain::frmMain(session::Session& session, ports::FormHost& host)
+frmMain::frmMain(session::Session& session, ports::FormHost& host, hosting::Forms& forms)
     : Form(host, "frmMain"),
       ListView2("ListView2", PriceColumns()),
       ListView1("ListView1", StockColumns()),
@@ -76,11 +76,13 @@ frmMain::frmMain(session::Session& session, ports::FormHost& host)
       Toolbar2("Toolbar2", DependantButtons()),
       Toolbar3("Toolbar3", HistoryButtons()),
       TabStrip1("TabStrip1", Tabs()),
-      session_(session) {
+      session_(session),
+      forms_(forms) {
   set_caption("Ficha de Produto");
   AddControls();
   LayOut();
   AddCommands();
+  AddFieldEvents();
 }
 
 void frmMain::Open(const ports::ProductRequest& request) {
@@ -91,6 +93,7 @@ void frmMain::Open(const ports::ProductRequest& request) {
 
 void frmMain::OnLoad() {
   Guarded("Form_Load", [&] {
+    forms_.Add(*this);
     Fill();
     SetHistoryPeriod();
   });
@@ -110,8 +113,12 @@ void frmMain::Set(controls::Control& control, const base::Value& value, int code
   controls::SetFieldValue(control, value, code, session_.locale());
 }
 
+std::string frmMain::Sql(const controls::Control& control, int code) {
+  return controls::GetFieldValue(control, code, session_.locale());
+}
+
 std::shared_ptr<ports::ProductForm> ProductForms::Create() {
-  return std::make_shared<frmMain>(session_, form_host_);
+  return std::make_shared<frmMain>(session_, form_host_, forms_);
 }
 
 }  // namespace quenta::product

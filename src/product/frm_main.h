@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "component/session/session.h"
@@ -12,13 +14,16 @@
 #include "controls/list_view.h"
 #include "controls/simple_controls.h"
 #include "controls/text_field.h"
+#include "hosting/forms.h"
+#include "ports/desktop.h"
 #include "ports/product_form.h"
 
 namespace quenta::product {
 
 class frmMain final : public controls::Form, public ports::ProductForm {
  public:
-  frmMain(session::Session& session, ports::FormHost& host);
+  // The session, the host and the collection of loaded forms outlive the form.
+  frmMain(session::Session& session, ports::FormHost& host, hosting::Forms& forms);
 
   // ports::ProductForm
   bool IsLoaded() const override { return loaded(); }
@@ -33,12 +38,19 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   bool Altered() const noexcept { return altered_; }
   void SetAltered(bool altered);
 
-  // Fills the lookup lists, then loads the product. Can run again on a form that is filled already. (load.cpp)
+  // Fills the lookup lists, then loads the product, or creates one when there is no identifier yet. Can run again on a
+  // form that is filled already. (load.cpp)
   void Fill();
+  // Saves the product. False when it was refused, which the user has been told, or failed, which was reported; the form
+  // and its fields are then as they were. (saving.cpp)
+  bool Gravar();
   // Makes the record read-only and hides the editing buttons; with false undoes both. (load.cpp)
   void LockProduto(bool locked);
   // The product's type decides which attribute fields it has and whether there is a stock tab. (types.cpp)
   void FXTipo_ID_Click();
+
+  // Set when a price was edited: saving must write the price lines again.
+  bool PrecosAltered = false;
 
   // The record.
   controls::Label FXCodigo_Label{"FXCodigo_Label", "&Código"};
@@ -123,9 +135,11 @@ class frmMain final : public controls::Form, public ports::ProductForm {
 
  protected:
   void OnLoad() override;
+  void OnUnload(bool& cancel) override;
   void OnClosed() noexcept override;
 
  private:
+  // Runs a procedure by the convention for errors. (frm_main_guard.h)
   template <typename Body>
   auto Guarded(const char* procedure, Body&& body) noexcept;
 
@@ -140,19 +154,56 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void AddEntry(controls::ComboBox& box, const ports::Row& row, const char* text_column, const char* id_column);
 
   // load.cpp
-  void LoadProduct();
+  void ClearRecord();
+  bool LoadProduct();
   void ShowRecord(const ports::Row& product);
   void NoteAssociations();
   void LockByWarehouse();
   void SetHistoryPeriod();
 
+  // creation.cpp
+  void CreateProduct();
+  std::int32_t TakeNumber(const char* read, const char* create, std::int32_t first, const char* advance,
+                          const std::function<std::string(std::int32_t)>& find_user);
+
+  // field_events.cpp
+  void AddFieldEvents();
+  void MarkAltered();
+  void FXFamilia_ID_LostFocus();
+  void FXNome_GotFocus();
+  void FXMarca_GotFocus();
+  void RefillNames(controls::ComboBox& box, const ports::RowSet& rows, const char* column);
+
+  // saving.cpp
+  bool FieldsAreValid();
+  bool CodeIsTaken();
+  bool ExemptionsHaveReasons();
+  void SaveRecord();
+  void SaveProduct();
+  void SaveRelatives();
+  void SavePrices(const std::string& produto_id);
+  void ReplicatePrices();
+
+  // closing.cpp
+  bool MayClose();
+  void DeleteNewProduct();
+  ports::Answer Ask(const ports::Message& message);
+  void Tell(const ports::Message& message);
+  void Refuse(const char* text, const controls::Control& field);
+
   void Set(controls::Control& control, const base::Value& value, int code = 0);
+  std::string Sql(const controls::Control& control, int code = 0);
 
   session::Session& session_;
+  hosting::Forms& forms_;
   ports::ProductRequest request_;
   std::int32_t produto_id_ = 0;  // 0 until a product is loaded or created
+  bool new_product_ = false;     // the product was created in this form and not saved yet
+  bool record_shown_ = false;    // the fields show the product whole; nothing else can be saved
   bool altered_ = false;
-  bool filling_ = false;  // while true, nothing marks the record as altered
+  bool filling_ = false;                                // while true, nothing marks the record as altered
+  std::optional<std::int32_t> familia_of_subfamilias_;  // the family that the subfamily list belongs to
+  std::string main_id_;  // of the main product, in decimal, as the save in progress has read it; empty for none
 };
 
 }  // namespace quenta::product

@@ -155,10 +155,17 @@ void frmMain::LayOut() {
 void frmMain::AddCommands() {
   Toolbar1.on_button_click = [this](const std::string& key) {
     if (key == "sair") Unload();
+    if (key == "gravar") Gravar();
   };
   menus_ = {{.name = "mnFicheiro",
              .caption = "F&icheiro",
-             .items = {{.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}}};
+             .items = {{.name = "mnGravar",
+                        .caption = "&Gravar",
+                        .shortcut = "Ctrl+S",
+                        .on_click = [this] { Toolbar1.Clicked("gravar"); }},
+                       {},
+                       {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}}};
+  shortcuts_ = {{.key = 'S', .control = true, .run = [this] { Toolbar1.Clicked("gravar"); }}};
 }
 
 }  // namespace quenta::product

@@ -1,4 +1,6 @@
 // Shows an existing product: its row in the fields, the notes on what it is tied to, and the lock of its warehouse.
+#include <initializer_list>
+
 #include "base/convert.h"
 #include "base/date.h"
 #include "base/format.h"
@@ -34,18 +36,40 @@ constexpr Association kAssociations[] = {
 void frmMain::Fill() {
   Guarded("Fill", [&] {
     const FillingMark mark(filling_);
+    record_shown_ = false;
+    ClearRecord();
     FillLookups();
-    LoadProduct();
-    NoteAssociations();
+    bool shown = true;
+    if (produto_id_ == 0) {
+      CreateProduct();
+    } else {
+      new_product_ = false;
+      shown = LoadProduct();
+      NoteAssociations();
+    }
     LockByWarehouse();
+    record_shown_ = shown;
   });
   SetAltered(false);
 }
 
-void frmMain::LoadProduct() {
+// What an earlier product left in the fields never stands under another one's identifier.
+void frmMain::ClearRecord() {
+  for (controls::Control* field : std::initializer_list<controls::Control*>{
+           &FXCodigo, &FXNome, &FXDescontinuado, &FXTipo_ID, &FXFamilia_ID, &FXSub_Familia_ID, &FXMarca,
+           &FXFornecedor_ID, &FXCentro_ID, &FXCor, &FXTamanho, &FXAltura, &FXLargura, &FXProfundidade, &FXObs}) {
+    Set(*field, base::Value::Null());
+  }
+  Label1.set_caption(kNoteCaption);
+}
+
+// False when there is no such product: the fields then stay empty, and nobody is told.
+bool frmMain::LoadProduct() {
   const ports::RowSet products =
       session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + base::DecimalText(produto_id_));
-  if (!products.empty()) ShowRecord(products.front());
+  if (products.empty()) return false;
+  ShowRecord(products.front());
+  return true;
 }
 
 void frmMain::ShowRecord(const ports::Row& product) {
@@ -71,7 +95,6 @@ void frmMain::ShowRecord(const ports::Row& product) {
 }
 
 void frmMain::NoteAssociations() {
-  Label1.set_caption(kNoteCaption);
   const std::string id = base::DecimalText(produto_id_);
   for (const Association& association : kAssociations) {
     if (session_.Query(association.exists).empty()) continue;

@@ -38,6 +38,7 @@ void frmMain::FillLookups() {
 void frmMain::FillSubfamilias() {
   const controls::ComboBox::Update update(FXSub_Familia_ID);
   const auto familia = FXFamilia_ID.SelectedItemData();
+  familia_of_subfamilias_ = familia;
   if (!familia) {
     FXSub_Familia_ID.Clear();
     return;

@@ -1,9 +1,10 @@
-// Makes product forms for the record operations.
+// Makes product forms for the record operations, and keeps track of those that are loaded.
 #pragma once
 
 #include <memory>
 
 #include "component/session/session.h"
+#include "hosting/forms.h"
 #include "ports/form_host.h"
 #include "ports/product_form.h"
 
@@ -18,6 +19,7 @@ class ProductForms final : public ports::ProductForms {
  private:
   session::Session& session_;
   ports::FormHost& form_host_;
+  hosting::Forms forms_;
 };
 
 }  // namespace quenta::product

@@ -1,8 +1,10 @@
 // The session of one loaded component: who is connected to what, and the one connection on which every query runs.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "component/session/ports.h"
 
@@ -48,6 +50,13 @@ class Session {
 
   // The user's regional conventions, read once.
   const base::Locale& locale();
+
+  // Set by the reconnect protocol to end a wait for the connection; cleared before every wait.
+  bool cancel_reconnect = false;
+  // True while an operation of ours has a transaction open (transaction.h).
+  bool transaction_held = false;
+  // Codes of the policies that a user holds, by user name; filled by loads that completed.
+  std::map<std::string, std::vector<std::string>> policies;
 
   // The session's subkey of the suite's registry key, as settings are looked up.
   std::string SettingsKey() const;

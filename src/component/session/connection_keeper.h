@@ -1,0 +1,41 @@
+// Keeps the shared connection usable: tests it before queries, and reconnects, to the other server when needed.
+#pragma once
+
+#include <string>
+
+#include "component/session/session.h"
+
+namespace quenta::session {
+
+// The form that a caller works for, as the keeper changes it while it works.
+class WorkingForm {
+ public:
+  virtual ~WorkingForm() = default;
+  virtual int MousePointer() = 0;  // 0 default, 11 hourglass
+  virtual void SetMousePointer(int pointer) = 0;
+  virtual void SetWindowState(int state) = 0;  // 0 normal, 1 minimised
+  virtual void Refresh() = 0;
+  // For the calls on the error-reporting object.
+  virtual controls::Form* Form() = 0;
+};
+
+struct ConnectionCheck {
+  WorkingForm* form = nullptr;              // may be null
+  ports::Connection* connection = nullptr;  // null takes the shared connection, which is then stored here
+  bool transaction_shortcut = false;        // answer at once when a transaction is open
+  bool reconnect = false;                   // try to reconnect when the connection is not usable
+  bool silent = false;                      // leave the error-reporting object, and the form's state at the end, alone
+  bool minimise = false;                    // refresh and minimise the form while reconnecting
+};
+
+// Answers empty text when the connection is usable, or usable again; "..." when no master connection string is kept
+// (no SQLConnect has run) or the wait was cancelled; otherwise a text that says why it is not. Never reports, never
+// throws a data-access error.
+std::string SQLConnectionCheck(Session& session, ConnectionCheck& check);
+
+// What routines of the component do before their queries: asks the keeper, lets it reconnect (never while a
+// transaction of ours is open: it would go on outside of it), and throws its text as an error when the shared
+// connection is not usable. A session opened by Login keeps no master string; it counts as usable while it is open.
+void EnsureConnection(Session& session);
+
+}  // namespace quenta::session

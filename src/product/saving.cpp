@@ -1,0 +1,193 @@
+// Saves the product: permission, validations, the product's row, its relatives, its prices.
+#include <utility>
+#include <vector>
+
+#include "base/convert.h"
+#include "base/sql_literal.h"
+#include "base/text.h"
+#include "component/session/transaction.h"
+#include "controls/field_value.h"
+#include "data/check_permissions.h"
+#include "data/sql_field.h"
+#include "product/frm_main_guard.h"
+#include "product/price_row.h"
+
+namespace quenta::product {
+namespace {
+
+using data::SQLKind;
+using ports::Answer;
+using ports::Buttons;
+using ports::Icon;
+
+// "name = value, name = value, …" and the date of the change.
+std::string Assignments(const std::vector<std::pair<const char*, std::string>>& columns) {
+  std::string text;
+  for (const auto& [column, value] : columns) text += std::string(column) + " = " + value + ", ";
+  return text + "data_modified = GETDATE() ";
+}
+
+}  // namespace
+
+bool frmMain::Gravar() {
+  return Guarded("Gravar", [&] {
+    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281")) {
+      Tell({.text =
+                "Não tem permissões para efectuar alterações nos produtos. Contacte o administrador de segurança para "
+                "que lhe sejam atribuídas as permissões necessárias.",
+            .title = "Politicas de Segurança",
+            .icon = Icon::kCritical});
+      return false;
+    }
+    if (!record_shown_ || !FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons()) return false;
+    SaveRecord();
+    Toolbar1.EnableButton("apagar", true);
+    Toolbar1.EnableButton("duplicar", true);
+    SetAltered(false);
+    return true;
+  });
+}
+
+void frmMain::SaveRecord() {
+  const hosting::ExclusiveUse exclusive(forms_, *this);
+  session::Transaction transaction(session_);
+  SaveProduct();
+  SaveRelatives();
+  if (PrecosAltered) {
+    SavePrices(base::DecimalText(produto_id_));
+    ReplicatePrices();
+  }
+  if (new_product_) {
+    // A second time after the creation did: saving a new product deliberately uses up one more code.
+    session_.Execute("UPDATE tbContadores SET contador = contador + 1 WHERE nome = 'produto_codigo'");
+  }
+  transaction.Commit();
+  // Only now: had the commit failed, the next try would need them.
+  PrecosAltered = false;
+  new_product_ = false;
+}
+
+bool frmMain::FieldsAreValid() {
+  const struct {
+    bool missing;
+    const char* text;
+    const controls::Control& field;
+  } checks[] = {
+      {FXFamilia_ID.ListIndex() < 0, "Tem de indicar uma familia de produtos para o produto que pretende gravar.",
+       FXFamilia_ID},
+      {FXIva_ID.ListIndex() < 0, "Tem de indicar a taxa de IVA para poder gravar o registo.", FXIva_ID},
+      {base::Trim(FXCodigo.text()).empty(), "Tem de indicar um código para o produto que pretende gravar.", FXCodigo},
+      {base::Trim(FXNome.text()).empty(), "Tem de indicar um nome para o produto que pretende gravar.", FXNome},
+  };
+  for (const auto& [missing, text, field] : checks) {
+    if (!missing) continue;
+    Refuse(text, field);
+    return false;
+  }
+  return true;
+}
+
+bool frmMain::CodeIsTaken() {
+  const ports::RowSet others = session_.Query(
+      "SELECT produto_id FROM tbProdutos WHERE (is_deleted = 0 OR is_deleted is null) AND produto_id <> " +
+      base::DecimalText(produto_id_) + " AND codigo = '" + base::SqlSafeText(FXCodigo.text()) + "'");
+  if (others.empty()) return false;
+  Refuse("O código atribuido já existe, tem de indicar um código de produto diferente.", FXCodigo);
+  return true;
+}
+
+// A price line without VAT must say why.
+bool frmMain::ExemptionsHaveReasons() {
+  for (int i = 0; i < ListView2.Count(); ++i) {
+    const PriceRow line(ListView2.At(i));
+    if (line.iva_id() == "0" || !line.iva_descrit().empty()) continue;
+    const ports::RowSet rates = session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " + line.iva_id());
+    if (rates.empty() || rates.front()["tx"].is_null() || base::IsNonZero(rates.front()["tx"])) continue;
+    Tell({.text = "O preço '" + line.tipo() +
+                  "' tem isenção de IVA.\nÉ obrigatório indicar um motivo para a Isenção de IVA.",
+          .icon = Icon::kInformation});
+    ListView2.Select(i);
+    host().Focus(*this, "FXIVA_Descrit");
+    return false;
+  }
+  return true;
+}
+
+void frmMain::SaveProduct() {
+  using controls::format_code::kNumber;
+  session_.Execute("UPDATE tbProdutos SET " +
+                   Assignments({{"codigo", Sql(FXCodigo)},
+                                {"nome", Sql(FXNome)},
+                                {"marca", Sql(FXMarca)},
+                                {"familia_id", Sql(FXFamilia_ID)},
+                                {"fornecedor_id", Sql(FXFornecedor_ID)},
+                                {"subfamilia_id", Sql(FXSub_Familia_ID)},
+                                {"obs", Sql(FXObs)},
+                                {"tipo_id", Sql(FXTipo_ID)},
+                                {"centro_id", Sql(FXCentro_ID)},
+                                {"tamanho", Sql(FXTamanho)},
+                                {"cor", Sql(FXCor)},
+                                {"altura", Sql(FXAltura, kNumber)},
+                                {"largura", Sql(FXLargura, kNumber)},
+                                {"profundidade", Sql(FXProfundidade, kNumber)},
+                                {"descontinuado", Sql(FXDescontinuado)}}) +
+                   " WHERE produto_id=" + base::DecimalText(produto_id_));
+}
+
+// Products of one main product share their description: it goes to the dependants of this one, and from a dependant to
+// its main product and the other dependants.
+void frmMain::SaveRelatives() {
+  const std::string id = base::DecimalText(produto_id_);
+  const std::string shared = "UPDATE tbProdutos SET " + Assignments({{"nome", Sql(FXNome)},
+                                                                     {"marca", Sql(FXMarca)},
+                                                                     {"familia_id", Sql(FXFamilia_ID)},
+                                                                     {"fornecedor_id", Sql(FXFornecedor_ID)},
+                                                                     {"subfamilia_id", Sql(FXSub_Familia_ID)},
+                                                                     {"tipo_id", Sql(FXTipo_ID)},
+                                                                     {"descontinuado", Sql(FXDescontinuado)}});
+  session_.Execute(shared + " WHERE main_id=" + id);
+  main_id_.clear();
+  const ports::RowSet own = session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + id);
+  if (own.empty() || own.front()["main_id"].is_null()) return;
+  main_id_ = base::ToText(own.front()["main_id"], session_.locale());
+  session_.Execute(shared + " WHERE main_id=" + main_id_);
+  session_.Execute(shared + " WHERE produto_id=" + main_id_);
+}
+
+void frmMain::SavePrices(const std::string& produto_id) {
+  session_.Execute("DELETE FROM tbProdutos_Precos WHERE produto_id = " + produto_id);
+  for (int i = 0; i < ListView2.Count(); ++i) {
+    const PriceRow line(ListView2.At(i));
+    const auto number = [&](const std::string& text) { return data::SQLField(session_, text, SQLKind::kNumber); };
+    session_.Execute(
+        "INSERT INTO tbProdutos_Precos (tipo_id, produto_id, preco, iva_id, iva, preco_total, iva_descrit, desconto, "
+        "predef) VALUES (" +
+        line.tipo_id() + ", " + produto_id + ", " + number(line.preco()) + ", " + number(line.iva_id()) + ", " +
+        number(line.iva()) + ", " + number(line.preco_total()) + ", " +
+        data::SQLField(session_, line.iva_descrit(), SQLKind::kText) + ", " + number(line.desconto()) + ", " +
+        (line.is_default() ? "1" : "0") + ")");
+  }
+}
+
+// Offers the changed prices to the products that depend on this one, or on the same main product. The product itself is
+// passed by, and so are deleted products, whose prices stay deleted.
+void frmMain::ReplicatePrices() {
+  const std::string id = base::DecimalText(produto_id_);
+  const ports::RowSet products = session_.Query("SELECT * FROM tbProdutos WHERE main_id = " + id +
+                                                " OR main_id = " + (main_id_.empty() ? std::string("null") : main_id_));
+  if (products.empty()) return;
+  const Answer answer =
+      Ask({.text = "Os preços deste produto foram alterados.\nDeseja replicar essas alterações para os "
+                   "produtos dependentes?",
+           .title = "Alteração de Preços",
+           .icon = Icon::kQuestion,
+           .buttons = Buttons::kYesNo,
+           .system_modal = true});
+  if (answer != Answer::kYes) return;
+  for (const ports::Row product : products) {
+    const std::string dependant = base::ToText(product["produto_id"], session_.locale());
+    if (dependant != id && !base::IsNonZero(product["is_deleted"])) SavePrices(dependant);
+  }
+}
+
+}  // namespace quenta::product

@@ -1,0 +1,156 @@
+#include "component/session/connection_keeper.h"
+
+#include "component_fixture.h"
+
+namespace quenta::tests {
+namespace {
+
+using session::ConnectionCheck;
+
+constexpr const char* kNotPresent = "A ligação ao servidor SQL não está presente.";
+
+class FakeWorkingForm final : public session::WorkingForm {
+ public:
+  int MousePointer() override { return pointer; }
+  void SetMousePointer(int value) override { pointer = value; }
+  void SetWindowState(int value) override { states.push_back(value); }
+  void Refresh() override { ++refreshes; }
+  controls::Form* Form() override { return nullptr; }
+
+  int pointer = 5;
+  std::vector<int> states;
+  int refreshes = 0;
+};
+
+class KeeperTest : public ComponentTest {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(component::General(component).SQLConnect(Arguments()));
+    database.opened.clear();
+  }
+  std::string Check(ConnectionCheck check) { return session::SQLConnectionCheck(session, check); }
+  void DropLine() { session.SharedConnection().Close(); }
+  std::vector<std::string> ServersTried() const {
+    std::vector<std::string> servers;
+    for (const std::string& text : database.opened) {
+      const std::size_t at = text.find("Data Source=") + 12;
+      servers.push_back(text.substr(at, text.find(';', at) - at));
+    }
+    return servers;
+  }
+
+  FakeWorkingForm form;
+};
+
+TEST_F(KeeperTest, AUsableConnectionAnswersNothingAndRestoresThePointer) {
+  EXPECT_EQ(Check({.form = &form}), "");
+  EXPECT_EQ(form.pointer, 5);
+  EXPECT_TRUE(form.states.empty());
+}
+
+TEST_F(KeeperTest, TheTransactionShortcutLeavesTheHourglass) {
+  database.on_query = [](const std::string&) {
+    ports::RowSet rows({"valor"});
+    rows.Append(1);
+    return rows;
+  };
+  EXPECT_EQ(Check({.form = &form, .transaction_shortcut = true}), "");
+  EXPECT_EQ(form.pointer, 11);
+  form.pointer = 5;
+  EXPECT_EQ(Check({.form = &form}), "");
+  EXPECT_EQ(form.pointer, 5);
+}
+
+TEST_F(KeeperTest, WithoutLeaveToReconnectItOnlySaysSo) {
+  DropLine();
+  EXPECT_EQ(Check({.form = &form}), kNotPresent);
+  EXPECT_TRUE(database.opened.empty());
+  EXPECT_EQ(form.pointer, 5);
+}
+
+TEST_F(KeeperTest, AStatementThatFailsCountsAsADroppedLineThoughTheStateSaysOpen) {
+  database.on_query = [](const std::string&) -> ports::RowSet { throw base::Error(-2147467259, "Communication link"); };
+  EXPECT_EQ(Check({}), kNotPresent);
+  EXPECT_EQ(Check({.reconnect = true}), "");
+  EXPECT_EQ(ServersTried(), (std::vector<std::string>{"sql1"}));
+}
+
+TEST_F(KeeperTest, ReconnectsShowingWhatHappens) {
+  DropLine();
+  EXPECT_EQ(Check({.form = &form, .reconnect = true, .minimise = true}), "");
+  EXPECT_EQ(reporting.calls,
+            (std::vector<std::string>{"SQLReconnectShow", "SQLReconnectShutdown", "SQLReconnectShowOK"}));
+  EXPECT_EQ(form.states, (std::vector<int>{1, 0}));
+  EXPECT_EQ(session.SharedConnection().ConnectionTimeout(), 15) << "the timeout is restored";
+}
+
+TEST_F(KeeperTest, GoesToTheOtherServerWhenItsOwnIsGone) {
+  database.servers["sql1"].answers = false;
+  DropLine();
+  EXPECT_EQ(Check({.reconnect = true, .silent = true}), "");
+  EXPECT_EQ(ServersTried(), (std::vector<std::string>{"sql1", "sql2"}));
+  EXPECT_FALSE(session.state().on_secondary) << "the flag is not changed";
+  EXPECT_TRUE(reporting.calls.empty()) << "silent";
+}
+
+TEST_F(KeeperTest, GivesUpAfterFourAttemptsOfTwoOpens) {
+  database.servers["sql1"].answers = false;
+  database.servers["sql2"].answers = false;
+  DropLine();
+  EXPECT_EQ(Check({.form = &form, .reconnect = true, .minimise = true}), "Cannot connect.");
+  EXPECT_EQ(database.opened.size(), 8U);
+  EXPECT_EQ(reporting.calls.back(), "SQLReconnectShowBad");
+  EXPECT_EQ(form.states, (std::vector<int>{1, 0}));
+  EXPECT_EQ(form.pointer, 5);
+}
+
+TEST_F(KeeperTest, ASessionWithOneServerTriesThatOneAgain) {
+  session.state().secondary_data_source.clear();
+  database.servers["sql1"].answers = false;
+  DropLine();
+  EXPECT_EQ(Check({.reconnect = true, .silent = true}), "Cannot connect.");
+  for (const std::string& server : ServersTried()) EXPECT_EQ(server, "sql1");
+}
+
+TEST_F(KeeperTest, ACancelledWaitEndsAtOnce) {
+  const struct {
+    bool silent;
+    bool on_second_wait;
+    std::vector<int> states;
+  } cases[] = {{false, false, {1, 0}}, {true, false, {1, 0}}, {false, true, {1, 0}}, {true, true, {1}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.silent ? "silent" : "shown") + (c.on_second_wait ? ", second wait" : ", first wait"));
+    database.servers["sql1"] = c.on_second_wait ? FakeServer{0, false} : FakeServer{1000, true};
+    database.servers["sql2"] = FakeServer{1000, true};
+    form.states.clear();
+    form.pointer = 5;
+    reporting.calls.clear();
+    desktop.while_breathing = [&] { session.cancel_reconnect = true; };
+    session.SharedConnection().SetConnectionString(
+        database.opened.empty() ? session.SharedConnection().ConnectionString() : database.opened.front());
+    DropLine();
+    EXPECT_EQ(Check({.form = &form, .reconnect = true, .silent = c.silent, .minimise = true}), "...");
+    EXPECT_EQ(form.pointer, 11) << "deliberately left";
+    EXPECT_EQ(form.states, c.states);
+    EXPECT_EQ(reporting.calls, c.silent ? std::vector<std::string>{}
+                                        : (std::vector<std::string>{"SQLReconnectShow", "SQLReconnectShutdown"}));
+  }
+}
+
+TEST_F(KeeperTest, WithoutAMasterStringItAnswersThreePointsAndCallersGoOnWhileOpen) {
+  session.state().primary_connection_string.clear();
+  EXPECT_EQ(Check({.reconnect = true}), "...");
+  EXPECT_NO_THROW(session::EnsureConnection(session)) << "after Login";
+  DropLine();
+  EXPECT_THROW(session::EnsureConnection(session), base::Error);
+}
+
+TEST_F(KeeperTest, NeverReconnectsUnderATransactionOfOurs) {
+  session.transaction_held = true;
+  DropLine();
+  EXPECT_THROW(session::EnsureConnection(session), base::Error);
+  EXPECT_TRUE(database.opened.empty());
+}
+
+}  // namespace
+}  // namespace quenta::tests

@@ -1,0 +1,188 @@
+#include "base/date.h"
+#include "controls/combo_box.h"
+#include "controls/field_entry.h"
+#include "controls/field_value.h"
+#include "controls/simple_controls.h"
+#include "controls/text_field.h"
+#include "gtest/gtest.h"
+#include "support/locales.h"
+
+namespace quenta::tests {
+namespace {
+
+using base::Value;
+using controls::ComboBox;
+using controls::TextField;
+
+base::Locale Points() {
+  base::Locale locale = PortugueseLocale();
+  locale.thousands = ".";
+  return locale;
+}
+
+struct ShowCase {
+  int code;
+  Value value;
+  const char* text;
+  const char* tag;
+  const char* sql;
+};
+
+TEST(TextFieldValue, IsShownAndReadBackByItsCode) {
+  const ShowCase cases[] = {
+      {0, "abc", "abc", "", "'abc'"},
+      {0, 12.5, "12,5", "12,5", "'12,5'"},
+      {0, "d'água", "d'água", "", "'d' + CHAR(39) + 'água'"},
+      {1, *base::MakeDate({2017, 12, 31, 0, 0, 0}), "31-12-2017", "", "'31-12-2017'"},
+      {2, -1234.5, "- 1.234,50", "-1234,5", "-1234.5"},
+      {3, 12, "12", "", "'12'"},
+      {4, -1234.5, "€ -1.234,50", "-1234,5", "-1234.5"},
+      {4, base::Currency{81301}, "€ 8,13", "8,1301", "8.1301"},
+      {5, 0.23, "23,00 %", "0,23", "0.23"},
+      {6, 12.5, "12", "12,5", "12.5"},
+      {7, 1.23456, "€ 1,235", "1,23456", "1.23456"},
+      {8, -1.5, "- 1,500", "-1,5", "-1.5"},
+      {9, *base::MakeDate({2017, 12, 31, 14, 5, 9}), "31-12-2017 14:05:09", "", "'31-12-2017 14:05:09'"},
+      {10, 1.23456, "€ 1,2346", "1,23456", "1.23456"},
+      {4, Value::Null(), "", "", "null"},
+      {0, Value::Null(), "", "", "null"},
+  };
+  for (const ShowCase& c : cases) {
+    TextField field("FX");
+    field.set_text("antes");
+    if (c.value.is_null()) field.set_tag("1");
+    controls::SetFieldValue(field, c.value, c.code, Points());
+    EXPECT_EQ(field.text(), c.text) << c.code;
+    EXPECT_EQ(field.tag(), c.tag) << c.code;
+    EXPECT_EQ(controls::GetFieldValue(field, c.code, Points()), c.sql) << c.code;
+  }
+  TextField field("FX");
+  field.set_text("antes");
+  controls::SetFieldValue(field, 1, 11, Points());
+  EXPECT_EQ(field.text(), "antes") << "an unknown code changes nothing";
+}
+
+TEST(ComboBoxValue, AListGoesByItemDataAndARecordOfTextsByText) {
+  const auto fill = [](ComboBox& box) {
+    box.AddItem("Branco");
+    box.SetItemData(box.NewIndex(), 42);
+    box.AddItem("42");
+    box.SetItemData(box.NewIndex(), 7);
+  };
+  ComboBox list("FXFamilia_ID", ComboBox::Style::kList);
+  fill(list);
+  controls::SetFieldValue(list, 42, 0, Points());
+  EXPECT_EQ(list.text(), "Branco");
+  EXPECT_EQ(controls::GetFieldValue(list, 0, Points()), "42");
+  controls::SetFieldValue(list, "Branco", 0, Points());
+  EXPECT_EQ(list.ListIndex(), 0);
+  controls::SetFieldValue(list, 99, 0, Points());
+  EXPECT_EQ(list.ListIndex(), -1);
+  EXPECT_EQ(controls::GetFieldValue(list, 0, Points()), "null");
+
+  ComboBox size("FXTamanho", ComboBox::Style::kEditable);
+  size.holds_text = true;
+  fill(size);
+  controls::SetFieldValue(size, "42", 0, Points());
+  EXPECT_EQ(size.ListIndex(), 1) << "the text 42, not the item with the number 42";
+  EXPECT_EQ(controls::GetFieldValue(size, 0, Points()), "'42'");
+  controls::SetFieldValue(size, "Extra d'Ouro", 0, Points());
+  EXPECT_EQ(size.text(), "Extra d'Ouro");
+  EXPECT_EQ(controls::GetFieldValue(size, 0, Points()), "'Extra d' + CHAR(39) + 'Ouro'");
+  controls::SetFieldValue(size, Value::Null(), 0, Points());
+  EXPECT_EQ(size.text(), "");
+  EXPECT_EQ(controls::GetFieldValue(size, 0, Points()), "null");
+}
+
+TEST(OtherFieldValues, ShowNullAsNothing) {
+  controls::DatePicker picker("FXData");
+  controls::SetFieldValue(picker, *base::MakeDate({2017, 12, 31, 14, 5, 9}), 0, Points());
+  EXPECT_EQ(controls::GetFieldValue(picker, 1, Points()), "CONVERT(DATETIME,'2017-12-31',102)");
+  controls::SetFieldValue(picker, Value::Null(), 0, Points());
+  EXPECT_EQ(picker.Describe(), "01-01-1900");
+  EXPECT_EQ(controls::GetFieldValue(picker, 1, Points()), "null");
+
+  controls::CheckBox box("FXDescontinuado", "");
+  for (const auto& [value, sql] : std::initializer_list<std::pair<Value, const char*>>{
+           {true, "1"}, {7, "1"}, {Value::Null(), "0"}, {"x", "0"}, {0, "0"}}) {
+    controls::SetFieldValue(box, value, 0, Points());
+    EXPECT_EQ(controls::GetFieldValue(box, 0, Points()), sql);
+  }
+
+  controls::MaskEdit mask("FXHora", "##-##-####", "dd-mm-yyyy");
+  controls::SetFieldValue(mask, *base::MakeDate({2017, 12, 31, 0, 0, 0}), 0, Points());
+  EXPECT_EQ(mask.text(), "31-12-2017");
+  EXPECT_EQ(controls::GetFieldValue(mask, 0, Points()), "CONVERT(DATETIME,'2017-12-31',102)");
+  controls::SetFieldValue(mask, Value::Null(), 0, Points());
+  EXPECT_EQ(mask.text(), "__-__-____");
+  EXPECT_EQ(controls::GetFieldValue(mask, 0, Points()), "null");
+
+  controls::Label label("FXSaldo", "");
+  controls::SetFieldValue(label, -1.2345, 4, Points());
+  EXPECT_EQ(label.caption(), "€ -1,235") << "labels show three decimals of negative amounts";
+}
+
+struct EntryCase {
+  int code;
+  const char* tag;
+  const char* shown_on_entry;
+  const char* typed;
+  const char* tag_after;
+  const char* text_after;
+};
+
+TEST(FieldEntry, ANumericFieldSwitchesBetweenItsRawValueAndItsDisplay) {
+  const EntryCase cases[] = {
+      {2, "1234,5", "1234,5", "12.5", "12,5", "12,50"},
+      {2, "5", "5", "-1234,5", "-1234,5", "-1.234,50"},
+      {4, "1234,5", "1234,5", "1.234,50", "1234,5", "€ 1.234,50"},
+      {4, "1", "1", "1,234.50", "1234,5", "€ 1.234,50"},
+      {4, "1", "1", "€ 12,00", "12", "€ 12,00"},
+      {4, "1", "1", "12-", "-12", "€ -12,00"},
+      {4, "1", "1", "abc", "0", "€ 0,00"},
+      {4, "1", "1", "1.234.567", "1234567", "€ 1.234.567,00"},
+      {5, "0,23", "23", "6", "0,06", "6,00 %"},
+      {5, "0,23", "23", "13,5 %", "0,135", "13,50 %"},
+      {6, "12,5", "12", "7,5", "8", "8"},
+      {7, "1,23456", "1,235", "2,3456", "2,3456", "€ 2,346"},
+      {8, "1,2345", "1,234", "-2,5", "-2,5", "-2,500"},
+      {10, "1,23456", "1,2346", "2,34567", "2,34567", "€ 2,346"},
+      {4, "", "", "7", "7", "€ 7,00"},
+  };
+  for (const EntryCase& c : cases) {
+    SCOPED_TRACE(std::string(c.typed) + " with code " + std::to_string(c.code));
+    TextField field("FX");
+    field.set_tag(c.tag);
+    field.set_text("display");
+    controls::FieldGotFocus(field, c.code, Points());
+    EXPECT_EQ(field.text(), c.shown_on_entry);
+    EXPECT_EQ(field.selection().length, field.text().size()) << "all selected";
+    field.Typed(c.typed);
+    controls::FieldLostFocus(field, c.code, Points());
+    EXPECT_EQ(field.tag(), c.tag_after);
+    EXPECT_EQ(field.text(), c.text_after);
+  }
+}
+
+TEST(FieldEntry, AnEmptiedFieldKeepsItsRawValueAndIsSavedAsNull) {
+  TextField field("FX");
+  controls::SetFieldValue(field, 5, 4, Points());
+  controls::FieldGotFocus(field, 4, Points());
+  field.Typed("");
+  controls::FieldLostFocus(field, 4, Points());
+  EXPECT_EQ(field.tag(), "5");
+  EXPECT_EQ(field.text(), "");
+  EXPECT_EQ(controls::GetFieldValue(field, 4, Points()), "null");
+}
+
+TEST(FieldEntry, WorksWithAnEnglishLocale) {
+  TextField field("FX");
+  field.Typed("1.234,50");
+  controls::FieldLostFocus(field, 4, EnglishLocale());
+  EXPECT_EQ(field.tag(), "1234.5");
+  EXPECT_EQ(field.text(), "€ 1,234.50");
+  EXPECT_EQ(controls::LocaleDecimal(EnglishLocale()), ".");
+}
+
+}  // namespace
+}  // namespace quenta::tests
