@@ -6,13 +6,8 @@
 namespace quenta::product {
 
 void frmMain::AddControls() {
-  FXCodigo.max_length = 50;
-  FXNome.max_length = 255;
-  FXMarca.max_length = 100;
   FXCor.holds_text = true;
-  FXCor.max_length = 100;
   FXTamanho.holds_text = true;
-  FXTamanho.max_length = 100;
   FXObs.multi_line = true;
   for (controls::TextField* field : {&FXAltura, &FXLargura, &FXProfundidade, &FXValor, &FXIVA, &FXTOTAL, &FXDesconto,
                                      &FXPrecoMin, &FXPrecoMax, &FXQuantidade, &FXValorTotal}) {

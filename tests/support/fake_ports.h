@@ -1,11 +1,13 @@
 // Hand-written stand-ins for the outside, for faults that no real one produces on demand.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -78,6 +80,7 @@ class FakeDesktop final : public ports::Desktop {
   }
   bool Breathe() override {
     ++breaths;
+    std::this_thread::sleep_for(breath);
     if (while_breathing) while_breathing();
     return breaths < quits_after;
   }
@@ -86,7 +89,8 @@ class FakeDesktop final : public ports::Desktop {
   std::vector<ports::Message> messages;
   std::vector<std::string> opened;
   int breaths = 0;
-  int quits_after = 1000;
+  int quits_after = 1000;              // breaths until the host is quitting
+  std::chrono::milliseconds breath{};  // how long one takes; none where time is not real
   std::function<void()> while_asking;
   std::function<void()> while_breathing;
 };

@@ -5,7 +5,9 @@
 
 namespace quenta::tests {
 
-inline base::Locale PortugueseLocale() { return {}; }
+inline base::Locale PortugueseLocale() {
+  return {};
+}
 
 inline base::Locale EnglishLocale() {
   base::Locale locale;
