@@ -103,11 +103,15 @@ std::int32_t SampleComponentTest::IdOfCode(const std::string& codigo) {
   return base::ToLong(Sql("SELECT produto_id FROM tbProdutos WHERE codigo = '" + codigo + "'").front().At(0), {});
 }
 
+std::string SampleComponentTest::SharedConnectionString() {
+  return "Provider=SQLOLEDB.1;User ID=suite;Password=" + PasswordOf("suite") +
+         ";Initial Catalog=Amostra;Data Source=" + kSource;
+}
+
 ports::RowSet SampleComponentTest::Sql(const std::string& sql) {
   if (!other_) {
     other_ = odbc.CreateConnection();
-    other_->SetConnectionString("Provider=SQLOLEDB.1;User ID=suite;Password=" + PasswordOf("suite") +
-                                ";Initial Catalog=Amostra;Data Source=" + kSource);
+    other_->SetConnectionString(SharedConnectionString());
     other_->Open();
   }
   return other_->Query(sql);

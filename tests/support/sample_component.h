@@ -29,6 +29,8 @@ class SampleComponentTest : public ::testing::Test {
   // A loaded form of this product; 0 creates one.
   std::shared_ptr<product::frmMain> OpenForm(std::int32_t produto_id);
   std::int32_t IdOfCode(const std::string& codigo);
+  // What opens the component's own connection.
+  static std::string SharedConnectionString();
 
   // Runs a statement as another user of the database would: on a connection of its own.
   ports::RowSet Sql(const std::string& sql);

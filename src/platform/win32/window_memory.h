@@ -1,0 +1,42 @@
+// What the windows remember between two runs: place, size and column widths of each form. The text of the file, and
+// no file access.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quenta::platform {
+
+struct RememberedForm {
+  struct Place {
+    int left = 0;  // physical pixels of the desktop
+    int top = 0;
+    int width = 0;  // in 1/96 inch, so that it fits on a monitor of any resolution
+    int height = 0;
+    bool operator==(const Place&) const = default;
+  };
+  std::optional<Place> place;
+  std::map<std::string, std::vector<int>> column_widths;  // by the list's name, in 1/96 inch
+  bool operator==(const RememberedForm&) const = default;
+};
+
+class WindowMemory {
+ public:
+  // Takes what it understands and leaves the rest: a damaged file costs a remembered place, never an error.
+  static WindowMemory Parse(std::string_view text);
+  std::string Serialise() const;
+
+  // An empty record when the form is not known.
+  const RememberedForm& Find(const std::string& form) const;
+  void Remember(const std::string& form, RememberedForm record) { forms_[form] = std::move(record); }
+
+  bool operator==(const WindowMemory&) const = default;
+
+ private:
+  std::map<std::string, RememberedForm> forms_;
+};
+
+}  // namespace quenta::platform

@@ -1,0 +1,362 @@
+// Controls' windows and their models: what the user does arrives as events, what the model does shows without echo.
+#include <chrono>
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "base/date.h"
+#include "base/text.h"
+#include "component/form_host/form_fixture.h"
+#include "platform/win32/edit_text.h"
+
+namespace quenta::tests {
+namespace {
+
+using ControlWindowTest = FormFixture;
+
+TEST_F(ControlWindowTest, WhatIsTypedReachesTheModelAfterItsKey) {
+  Show();
+  FocusOn("FXCodigo");
+  Press(VK_END);
+  EXPECT_EQ(EventsOf([&] { Press('X'); }), "FXCodigo key 88, FXCodigo change");
+  EXPECT_EQ(form->FXCodigo.text(), "A10x");
+  EXPECT_EQ(form->FXCodigo.selection(), (controls::TextRange{4, 0}));
+  Press(VK_LEFT, {VK_SHIFT});
+  Press(VK_HOME);
+  EXPECT_EQ(form->FXCodigo.selection(), (controls::TextRange{3, 1})) << "as it was when the key came";
+}
+
+TEST_F(ControlWindowTest, WhatTheModelWritesIsNotEchoedAndNotWrittenWhenEqual) {
+  Show();
+  FocusOn("FXCodigo");
+  const std::string events = EventsOf([&] {
+    form->FXCodigo.set_text("B20");
+    form->FXNome.set_text("Casaco");
+    form->FXFamilia_ID.SetListIndex(2);
+    form->FXDescontinuado.set_value(true);
+    form->Option2.set_value(true);
+    form->FXHora.set_text("12:30");
+    form->FXObs.set_text("um\ndois");
+    form->FXData_Inicio.set_value(*base::MakeDate({2023, 2, 28, 13, 14, 15}));
+    form->ListView2.Select(1);
+    form->TabStrip1.SelectKey("stocks");
+    form->TabStrip1.SelectKey("precos");
+    Pump();
+  });
+  EXPECT_EQ(events, "");
+  EXPECT_EQ(TextOf("FXCodigo"), "B20");
+  EXPECT_EQ(TextOf("FXNome"), "Casaco");
+  EXPECT_EQ(TextOf("FXFamilia_ID"), "Casacos");
+  EXPECT_EQ(TextOf("FXObs"), "um\r\ndois");
+  EXPECT_EQ(SendMessageW(Window("FXDescontinuado"), BM_GETCHECK, 0, 0), BST_CHECKED);
+  EXPECT_EQ(ListView_GetNextItem(Window("ListView2"), -1, LVNI_SELECTED), 1);
+  Press(VK_END);
+  form->FXCodigo.set_text("B20");
+  EXPECT_EQ(platform::EditSelection(GetFocus()).start, 3U) << "an equal text leaves the caret alone";
+}
+
+// Completes what is typed, as the name field does, while the list is opened below.
+TEST_F(ControlWindowTest, ACompletionWrittenWhileTypingKeepsTextAndSelection) {
+  Show();
+  form->FXNome.set_text("");
+  form->FXNome.on_change = [&] {
+    const std::string typed = form->FXNome.text();
+    for (int i = 0; i < form->FXNome.ListCount(); ++i) {
+      if (typed.empty() || !base::StartsWithIgnoreCase(form->FXNome.List(i), typed)) continue;
+      form->FXNome.ShowDropDown();
+      form->FXNome.SetListIndex(i);
+      form->FXNome.Select({typed.size(), form->FXNome.List(i).size() - typed.size()});
+      return;
+    }
+  };
+  FocusOn("FXNome");
+  Type("camiso");
+  EXPECT_EQ(form->FXNome.text(), "Camisola");
+  EXPECT_EQ(form->FXNome.ListIndex(), 1);
+  EXPECT_EQ(TextOf("FXNome"), "Camisola");
+  EXPECT_EQ(platform::EditSelection(GetFocus()), (controls::TextRange{6, 2}));
+  EXPECT_TRUE(SendMessageW(Window("FXNome"), CB_GETDROPPEDSTATE, 0, 0));
+  Press(VK_ESCAPE);
+  EXPECT_FALSE(form->Happened("unload")) << "Esc closes the list, not the form";
+  EXPECT_EQ(form->FXNome.text(), TextOf("FXNome"));
+}
+
+TEST_F(ControlWindowTest, TabWalksInReadingOrderAndSkipsWhatCannotBeUsed) {
+  Show();
+  form->FXMarca.set_enabled(false);
+  form->FXHora.set_visible(false);
+  EXPECT_FALSE(IsWindowVisible(Window("FXHora_Label"))) << "a label goes with its field";
+  FocusOn("FXCodigo");
+  std::string order;
+  for (int i = 0; i < 11; ++i) {
+    Press(VK_TAB);
+    order += Focused() + " ";
+  }
+  EXPECT_EQ(
+      order,
+      "FXNome FXDescontinuado FXFamilia_ID FXValor Option1 FXObs TabStrip1 ListView2 Command1 Command2 Toolbar1 ");
+  Press(VK_TAB, {VK_SHIFT});
+  EXPECT_EQ(Focused(), "Command2");
+}
+
+TEST_F(ControlWindowTest, AControlThatGoesLetsTheFocusGo) {
+  Show();
+  const std::pair<std::string, std::function<void()>> cases[] = {
+      {"FXCodigo", [&] { form->FXCodigo.set_enabled(false); }},
+      {"FXNome", [&] { form->FXNome.set_visible(false); }},
+      {"ListView2", [&] { form->TabStrip1.SelectKey("compras"); }},
+      {"FXObs", [&] { form->Frame6.set_visible(false); }},
+  };
+  for (const auto& [name, act] : cases) {
+    FocusOn(name);
+    ASSERT_EQ(Focused(), name);
+    const std::string events = EventsOf(act);
+    EXPECT_EQ(events.rfind(name + " lost focus, ", 0), 0U) << events;
+    EXPECT_TRUE(IsWindowVisible(GetFocus()) && IsWindowEnabled(GetFocus())) << name;
+  }
+}
+
+TEST_F(ControlWindowTest, MnemonicsLeadToTheFieldBelowTheLabel) {
+  Show();
+  const std::pair<int, const char*> cases[] = {{'M', "FXMarca"}, {'V', "FXValor"}, {'O', "FXObs"},
+                                               {'H', "FXHora"},  {'N', "FXNome"},  {'F', "FXFamilia_ID"}};
+  for (const auto& [key, name] : cases) {
+    Press(key, {VK_MENU});
+    EXPECT_EQ(Focused(), name);
+  }
+  EXPECT_EQ(EventsOf([&] { Press('D', {VK_MENU}); }).find("FXDescontinuado click") != std::string::npos, true);
+}
+
+TEST_F(ControlWindowTest, EnterPressesTheDefaultButtonExceptInNotes) {
+  Show();
+  FocusOn("FXValor");
+  EXPECT_EQ(EventsOf([&] { Press(VK_RETURN); }), "FXValor lost focus, Command1 click, FXValor got focus");
+  FocusOn("FXObs");
+  Press(VK_END, {VK_CONTROL});
+  Press(VK_RETURN);
+  Press('Z');
+  EXPECT_FALSE(form->Happened("Command1 click"));
+  EXPECT_EQ(form->FXObs.text(), "Primeira linha\r\nSegunda linha\r\nz");
+  EXPECT_EQ(EventsOf([&] {
+              form->refuse_unload = true;
+              Press(VK_ESCAPE);
+            }),
+            "FXObs lost focus, unload, FXObs got focus");
+  EXPECT_TRUE(IsWindow(window)) << "Esc asks, in notes too";
+}
+
+TEST_F(ControlWindowTest, CommandsThatLeaveTheFocusRunTheLeaveRoutineFirst) {
+  Show();
+  FocusOn("FXValor");
+  EXPECT_EQ(EventsOf([&] { PressButton("Toolbar1", "gravar"); }),
+            "FXValor lost focus, Toolbar1 gravar, FXValor got focus");
+  EXPECT_EQ(EventsOf([&] { Press('S', {VK_CONTROL}); }),
+            "FXValor key 17, FXValor lost focus, shortcut, FXValor got focus");
+  EXPECT_EQ(EventsOf([&] { SendMessageW(window, WM_COMMAND, GetMenuItemID(GetSubMenu(GetMenu(window), 0), 0), 0); }),
+            "FXValor lost focus, mnGravar, FXValor got focus");
+  form->Toolbar1.EnableButton("gravar", false);
+  EXPECT_EQ(EventsOf([&] { PressButton("Toolbar1", "gravar"); }), "");
+  // A command that moves the focus: the field is left once, and not entered again.
+  form->Toolbar1.on_button_click = [&](const std::string&) { host.Focus(*form, "FXCodigo"); };
+  EXPECT_EQ(EventsOf([&] { PressButton("Toolbar1", "apagar"); }), "FXValor lost focus, FXCodigo got focus");
+}
+
+TEST_F(ControlWindowTest, ToolbarsHaveAKeyboard) {
+  Show();
+  form->Toolbar1.EnableButton("apagar", false);
+  FocusOn("Toolbar1");
+  Press(VK_RIGHT);
+  EXPECT_NE(EventsOf([&] { Press(VK_RETURN); }).find("Toolbar1 duplicar"), std::string::npos);
+}
+
+TEST_F(ControlWindowTest, AnEntryOfAListBoxIsChosenByKeys) {
+  Show();
+  FocusOn("FXFamilia_ID");
+  EXPECT_EQ(EventsOf([&] { Press(VK_DOWN); }), "FXFamilia_ID key 40, FXFamilia_ID click");
+  EXPECT_EQ(form->FXFamilia_ID.ListIndex(), 2);
+  form->FXFamilia_ID.on_key_down = [&](int key) {
+    if (key == controls::key_code::kDelete) form->FXFamilia_ID.SetListIndex(-1);
+  };
+  Press(VK_DELETE);
+  EXPECT_EQ(TextOf("FXFamilia_ID"), "");
+  form->FXFamilia_ID.set_locked(true);
+  Press(VK_DOWN);
+  Press('C');
+  EXPECT_EQ(form->FXFamilia_ID.ListIndex(), -1) << "a locked box cannot be chosen from";
+}
+
+TEST_F(ControlWindowTest, AComboOfManyEntriesCostsNothingUntilItIsLookedInto) {
+  Show();
+  constexpr int kEntries = 100000;
+  const auto start = std::chrono::steady_clock::now();
+  const auto milliseconds = [&] {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+  };
+  {
+    const controls::ComboBox::Update update(form->FXNome);
+    for (int i = 0; i < kEntries; ++i) form->FXNome.AddItem("Produto " + base::DecimalText(i));
+  }
+  form->FXNome.set_text("Produto 4711");
+  Pump();
+  RecordProperty("filling_ms", static_cast<int>(milliseconds()));
+  EXPECT_EQ(SendMessageW(Window("FXNome"), CB_GETCOUNT, 0, 0), kEntries + 3) << "anybody who asks finds all of them";
+  RecordProperty("looking_ms", static_cast<int>(milliseconds()));
+  EXPECT_LT(milliseconds(), 5000);
+  EXPECT_EQ(TextOf("FXNome"), "Produto 4711") << "filling the list leaves the text alone";
+}
+
+TEST_F(ControlWindowTest, AListShowsWhatItsModelHolds) {
+  Show();
+  const HWND list = Window("ListView2");
+  const auto cell = [&](int row, int column) {
+    wchar_t text[80] = L"";
+    ListView_GetItemText(list, row, column, text, 80);
+    return std::wstring(text);
+  };
+  EXPECT_EQ(ListView_GetItemCount(list), 3);
+  EXPECT_EQ(cell(0, 0), L"Preço 1");
+  EXPECT_EQ(cell(0, 3), L"€ 10,00");
+  form->ListView2.Item("#2").text = "Outro";
+  form->ListView2.Remove("#1");
+  EXPECT_EQ(ListView_GetItemCount(list), 2);
+  EXPECT_EQ(cell(0, 0), L"Outro");
+  form->ListView2.Clear();
+  EXPECT_EQ(ListView_GetItemCount(list), 0);
+  EXPECT_EQ(cell(0, 0), L"") << "a row that is gone has no text";
+}
+
+TEST_F(ControlWindowTest, RowsAreChosenActivatedAndChecked) {
+  Show();
+  FocusOn("ListView2");
+  form->ListView2.Select(0);
+  EXPECT_EQ(EventsOf([&] { Press(VK_DOWN); }), "ListView2 key 40, ListView2 click");
+  EXPECT_EQ(form->ListView2.selected(), 1);
+  EXPECT_EQ(EventsOf([&] { Press(VK_RETURN); }), "ListView2 key 13, ListView2 activate");
+  // The search by letters is answered by the model.
+  form->ListView2.Item("#3").text = "Zero";
+  EXPECT_EQ(EventsOf([&] { Press('Z'); }), "ListView2 key 90, ListView2 click");
+  EXPECT_EQ(form->ListView2.selected(), 2);
+
+  RECT row{};
+  ListView_GetItemRect(Window("ListView2"), 2, &row, LVIR_LABEL);
+  const LPARAM at = MAKELPARAM(row.left + 5, row.top + 5);
+  const auto click = [&](LPARAM where) {
+    PostMessageW(Window("ListView2"), WM_LBUTTONDOWN, MK_LBUTTON, where);
+    PostMessageW(Window("ListView2"), WM_LBUTTONUP, 0, where);
+    Pump();
+  };
+  EXPECT_EQ(EventsOf([&] { click(at); }), "ListView2 click") << "the row that is chosen already";
+  EXPECT_EQ(EventsOf([&] { click(at - (((row.bottom - row.top) * 2) << 16)); }), "ListView2 click") << "another row";
+  EXPECT_EQ(form->ListView2.selected(), 0);
+  EXPECT_EQ(EventsOf([&] { click(at + (60 << 16)); }), "") << "beside the rows";
+  EXPECT_EQ(ListView_GetNextItem(Window("ListView2"), -1, LVNI_SELECTED), 0) << "a row stays chosen";
+
+  form->TabStrip1.SelectKey("stocks");
+  FocusOn("ListView1");
+  form->ListView1.Select(1);
+  Press(VK_SPACE);
+  EXPECT_TRUE(form->ListView1.At(1).checked);
+  const HWND boxes = Window("ListView1");
+  EXPECT_EQ(ListView_GetItemState(boxes, 1, LVIS_STATEIMAGEMASK), static_cast<UINT>(INDEXTOSTATEIMAGEMASK(2)));
+  RECT icon{};
+  ListView_GetItemRect(boxes, 2, &icon, LVIR_BOUNDS);
+  PostMessageW(boxes, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(icon.left + 8, (icon.top + icon.bottom) / 2));
+  PostMessageW(boxes, WM_LBUTTONUP, 0, MAKELPARAM(icon.left + 8, (icon.top + icon.bottom) / 2));
+  Pump();
+  EXPECT_TRUE(form->ListView1.At(2).checked) << "by a click on its box";
+}
+
+TEST_F(ControlWindowTest, ALongListIsFilledAndPaintedInATrice) {
+  Show();
+  constexpr int kRows = 100000;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 10; i < kRows; ++i) form->ListView2.Add("#" + base::DecimalText(i), "Linha").sub_items = {"1", "2", "3"};
+  RedrawWindow(Window("ListView2"), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  const auto taken =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+  RecordProperty("filling_and_painting_ms", static_cast<int>(taken));
+  EXPECT_LT(taken, 3000);
+  EXPECT_EQ(ListView_GetItemCount(Window("ListView2")), kRows - 7);
+  form->ListView2.Select(kRows - 10);
+  EXPECT_GT(ListView_GetTopIndex(Window("ListView2")), kRows - 100) << "the row chosen is in view";
+}
+
+TEST_F(ControlWindowTest, TabsShowTheirPages) {
+  Show();
+  const auto shown = [&] {
+    std::string names;
+    for (const char* name : {"Frame1", "Frame2", "Frame3"}) {
+      if (IsWindowVisible(Window(name))) names += name;
+    }
+    return names;
+  };
+  EXPECT_EQ(shown(), "Frame1");
+  FocusOn("FXValor");
+  EXPECT_EQ(EventsOf([&] { Press(VK_TAB, {VK_CONTROL}); }),
+            "FXValor key 17, FXValor lost focus, TabStrip1 stocks, FXValor got focus");
+  EXPECT_EQ(shown(), "Frame2");
+  Press(VK_TAB, {VK_CONTROL});
+  EXPECT_EQ(shown(), "Frame3");
+  Press(VK_TAB, {VK_CONTROL});
+  EXPECT_EQ(form->TabStrip1.selected_key(), "vendas");
+  EXPECT_EQ(shown(), "Frame3") << "tabs may share a page";
+  form->TabStrip1.Remove(4);
+  form->TabStrip1.Remove(2);
+  EXPECT_EQ(form->TabStrip1.selected_key(), "compras");
+  EXPECT_EQ(NameOf(Window("TabStrip1"), L"Tab1"), "compras");
+  EXPECT_EQ(NameOf(Window("TabStrip1"), L"Tab2"), "");
+  // To a field of a page that is hidden: its tab is chosen as the user would.
+  EXPECT_NE(EventsOf([&] { host.Focus(*form, "ListView2"); }).find("TabStrip1 precos"), std::string::npos);
+  EXPECT_EQ(Focused(), "ListView2");
+  EXPECT_EQ(shown(), "Frame1");
+}
+
+TEST_F(ControlWindowTest, TogglesAndDatesFollowTheUser) {
+  Show();
+  SendMessageW(Window("Option2"), BM_CLICK, 0, 0);
+  EXPECT_TRUE(form->Option2.value());
+  EXPECT_FALSE(form->Option1.value()) << "one of a group at a time";
+  EXPECT_EQ(SendMessageW(Window("Option1"), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+  EXPECT_FALSE(form->Happened("Option1 click"));
+  SendMessageW(Window("FXDescontinuado"), BM_CLICK, 0, 0);
+  EXPECT_TRUE(form->FXDescontinuado.value());
+  form->TabStrip1.SelectKey("compras");
+  FocusOn("FXData_Inicio");
+  Press(VK_RIGHT);
+  Press(VK_UP);
+  EXPECT_TRUE(form->Happened("FXData_Inicio change"));
+  EXPECT_FALSE(form->FXData_Inicio.value() == *base::MakeDate({2024, 1, 1, 0, 0, 0}));
+}
+
+TEST_F(ControlWindowTest, AQuestionInALeaveRoutineIsAskedOnce) {
+  Show();
+  FocusOn("FXValor");
+  int asked = 0;
+  form->FXValor.on_lost_focus = [&] {
+    ++asked;
+    // As a message box does: the focus goes elsewhere and comes back.
+    const HWND before = GetFocus();
+    SetFocus(nullptr);
+    SetFocus(before);
+  };
+  EXPECT_EQ(EventsOf([&] { Press(VK_TAB); }), "FXHora got focus");
+  EXPECT_EQ(asked, 1);
+  FocusOn("FXValor");
+  PressButton("Toolbar1", "gravar");
+  EXPECT_EQ(asked, 2) << "left for another field, and by the command";
+}
+
+TEST_F(ControlWindowTest, AnErrorInAnEventStaysInside) {
+  Show();
+  form->FXCodigo.on_change = [] { throw std::runtime_error("from a handler"); };
+  form->Toolbar1.on_button_click = [](const std::string&) { throw 1; };
+  FocusOn("FXCodigo");
+  Press('A');
+  PressButton("Toolbar1", "gravar");
+  EXPECT_EQ(form->FXCodigo.text(), "a");
+  EXPECT_TRUE(IsWindowVisible(window));
+}
+
+}  // namespace
+}  // namespace quenta::tests

@@ -1,0 +1,302 @@
+// The forms' windows: that they exist as long as they should, where they should, and take their keyboard with them.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <fstream>
+
+#include "component/form_host/form_fixture.h"
+#include "platform/win32/desktop.h"
+#include "platform/win32/handles.h"
+#include "platform/win32/host_window_object.h"
+#include "platform/win32/wide_text.h"
+
+namespace quenta::tests {
+namespace {
+
+using platform::FormHost;
+
+class HostWindow final : public platform::HostWindowObject {
+ public:
+  explicit HostWindow(RECT place)
+      : window_(CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, place.left, place.top,
+                                place.right - place.left, place.bottom - place.top, nullptr, nullptr, nullptr,
+                                nullptr)) {}
+  ~HostWindow() override { DestroyWindow(window_); }
+  HWND Window() const noexcept override { return window_; }
+
+ private:
+  HWND window_;
+};
+
+RECT PlaceOf(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  return place;
+}
+
+std::string TempFile(const char* name) {
+  wchar_t folder[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  return platform::Narrow(folder) + name;
+}
+
+HWND FirstList(HWND form) {
+  HWND list = nullptr;
+  EnumChildWindows(
+      form,
+      [](HWND child, LPARAM found) -> BOOL {
+        wchar_t name[40];
+        GetClassNameW(child, name, 40);
+        if (wcscmp(name, WC_LISTVIEWW) != 0) return TRUE;
+        *reinterpret_cast<HWND*>(found) = child;
+        return FALSE;
+      },
+      reinterpret_cast<LPARAM>(&list));
+  return list;
+}
+
+using FormHostTest = FormFixture;
+
+TEST_F(FormHostTest, EveryControlIsFoundByNameAndEveryButtonAndTabByKey) {
+  Show();
+  EXPECT_EQ(NameOf(window), "frmAmostra");
+  for (const controls::Control* control : form->controls()) {
+    EXPECT_NE(Window(control->name()), nullptr) << control->name();
+  }
+  EXPECT_EQ(NameOf(Window("Toolbar1"), L"Button3"), "imprimir");
+  EXPECT_EQ(NameOf(Window("TabStrip1"), L"Tab1"), "stocks");
+}
+
+TEST_F(FormHostTest, AFormHasNoOwnerAndItsWindowIsADialog) {
+  Show();
+  EXPECT_EQ(GetWindow(window, GW_OWNER), nullptr);
+  EXPECT_TRUE(IsWindowVisible(window));
+  EXPECT_EQ(HIWORD(SendMessageW(window, DM_GETDEFID, 0, 0)), DC_HASDEFID);
+  EXPECT_EQ(Focused(), "FXCodigo") << "the first field, not the toolbar";
+}
+
+TEST_F(FormHostTest, ClosingFromInsideAnEventEndsTheEventFirst) {
+  Show();
+  bool window_was_there = false;
+  form->Command1.on_click = [&] {
+    form->Unload();
+    window_was_there = IsWindow(window);
+    EXPECT_EQ(host.WindowOf(*form), nullptr) << "the form has let go of it already";
+  };
+  SendMessageW(Window("Command1"), BM_CLICK, 0, 0);
+  EXPECT_TRUE(window_was_there);
+  EXPECT_EQ(form->closed, 1);
+  Pump();
+  EXPECT_FALSE(IsWindow(window));
+  EXPECT_EQ(host.OpenForms(), 0);
+}
+
+TEST_F(FormHostTest, AFormCanBeShownAgainInTheEventThatClosedIt) {
+  Show();
+  form->Command1.on_click = [&] {
+    form->Unload();
+    form->Show();
+  };
+  SendMessageW(Window("Command1"), BM_CLICK, 0, 0);
+  Pump();
+  EXPECT_FALSE(IsWindow(window)) << "the former window";
+  EXPECT_TRUE(IsWindow(host.WindowOf(*form)));
+  EXPECT_EQ(host.OpenForms(), 1);
+  form->FXCodigo.set_text("novo");
+  window = host.WindowOf(*form);
+  EXPECT_EQ(TextOf("FXCodigo"), "novo") << "the controls follow the new window";
+}
+
+TEST_F(FormHostTest, AHostThatDestroysTheWindowLosesTheFormNothingElse) {
+  Show();
+  const std::weak_ptr<SampleForm> alive = form;
+  DestroyWindow(window);
+  EXPECT_EQ(form->closed, 1);
+  EXPECT_FALSE(form->Happened("unload")) << "nothing can be asked any more";
+  EXPECT_FALSE(form->loaded());
+  EXPECT_EQ(host.OpenForms(), 0);
+  form->FXCodigo.set_text("still a model");
+  form.reset();
+  EXPECT_TRUE(alive.expired());
+  form = std::make_shared<SampleForm>(host);
+}
+
+TEST_F(FormHostTest, TheWindowKeepsItsFormAlive) {
+  Show();
+  const std::weak_ptr<SampleForm> alive = form;
+  form.reset();
+  EXPECT_FALSE(alive.expired());
+  host.CloseAll();
+  EXPECT_TRUE(alive.expired());
+  form = std::make_shared<SampleForm>(host);
+}
+
+TEST_F(FormHostTest, NothingIsLeftBehind) {
+  Show();
+  host.CloseAll();
+  Pump();
+  const int handles = platform::LiveHandles();
+  for (int i = 0; i < 5; ++i) {
+    form->Show();
+    Pump();
+    EXPECT_GT(platform::LiveHandles(), handles);
+    host.Close(*form);
+    form->WindowLost();
+    Pump();
+    EXPECT_EQ(platform::LiveHandles(), handles) << "round " << i;
+    EXPECT_EQ(host.OpenForms(), 0);
+  }
+}
+
+TEST_F(FormHostTest, TheLastFormTakesTheKeyboardHookWithIt) {
+  Show();
+  const auto second = std::make_shared<SampleForm>(host);
+  second->Show();
+  Pump();
+  host.Close(*second);
+  Pump();
+  Press(VK_TAB);
+  EXPECT_TRUE(form->Happened("FXNome got focus")) << "a form still has its keyboard";
+  // Closed by a key: the hook is removed while its own code runs.
+  Press(VK_ESCAPE);
+  EXPECT_EQ(host.OpenForms(), 0);
+}
+
+TEST_F(FormHostTest, EndOfTheSessionAsksTheForm) {
+  Show();
+  form->refuse_unload = true;
+  EXPECT_EQ(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), FALSE);
+  EXPECT_TRUE(IsWindow(window));
+  form->refuse_unload = false;
+  EXPECT_EQ(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
+  EXPECT_EQ(form->closed, 1);
+  Pump();
+  EXPECT_FALSE(IsWindow(window));
+}
+
+TEST_F(FormHostTest, SessionThatEndsWithoutAskingLosesTheForm) {
+  Show();
+  SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+  EXPECT_EQ(form->closed, 1);
+  EXPECT_FALSE(form->Happened("unload"));
+}
+
+TEST_F(FormHostTest, TheCloseBoxRunsTheLeaveRoutineBeforeTheUnloadProcedure) {
+  Show();
+  FocusOn("FXValor");
+  form->refuse_unload = true;
+  const std::string events = EventsOf([&] { SendMessageW(window, WM_CLOSE, 0, 0); });
+  EXPECT_EQ(events, "FXValor lost focus, unload, FXValor got focus");
+  form->Form::set_enabled(false);
+  EXPECT_EQ(EventsOf([&] { SendMessageW(window, WM_CLOSE, 0, 0); }), "") << "a disabled form cannot be closed";
+}
+
+TEST_F(FormHostTest, FormAspectsReachTheWindow) {
+  Show();
+  form->set_caption("Stocks");
+  wchar_t caption[40];
+  GetWindowTextW(window, caption, 40);
+  EXPECT_STREQ(caption, L"Stocks");
+  form->set_enabled(false);
+  EXPECT_FALSE(IsWindowEnabled(window));
+  form->set_enabled(true);
+  EXPECT_TRUE(IsWindowEnabled(window));
+  host.SetTopmost(*form, true);
+  EXPECT_NE(GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+  host.SetTopmost(*form, false);
+  EXPECT_EQ(GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+  form->set_mouse_pointer(controls::MousePointer::kHourglass);
+  EXPECT_EQ(SendMessageW(window, WM_SETCURSOR, reinterpret_cast<WPARAM>(window), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)),
+            TRUE);
+  EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_WAIT));
+}
+
+TEST_F(FormHostTest, OpensOverItsCallerAndWhollyOnTheScreen) {
+  const RECT work = [] {
+    RECT area{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+    return area;
+  }();
+  form->caller = std::make_shared<HostWindow>(RECT{work.right - 60, work.bottom - 60, work.right, work.bottom});
+  Show();
+  const RECT place = PlaceOf(window);
+  EXPECT_EQ(place.right, work.right);
+  EXPECT_EQ(place.bottom, work.bottom);
+  const auto second = std::make_shared<SampleForm>(host);
+  second->caller = std::make_shared<HostWindow>(RECT{100, 100, 1100, 860});
+  second->Show();
+  const RECT centred = PlaceOf(host.WindowOf(*second));
+  EXPECT_NEAR(centred.left + centred.right, 1200, 2);
+  EXPECT_NEAR(centred.top + centred.bottom, 960, 2);
+  second->caller.reset();
+}
+
+TEST(FormMemory, PlaceAndColumnsComeBackAndADamagedFileDoesNoHarm) {
+  const std::string path = TempFile("quenta_form_host_tests\\windows.ini");
+  RECT before{};
+  {
+    FormHost host(path);
+    const auto form = std::make_shared<SampleForm>(host);
+    form->Show();
+    const HWND window = host.WindowOf(*form);
+    MoveWindow(window, 40, 50, 850, 720, TRUE);
+    before = PlaceOf(window);
+    ListView_SetColumnWidth(FirstList(window), 0, 333);
+    host.Close(*form);
+  }
+  const auto reopen = [&](const std::function<void(HWND)>& check) {
+    FormHost host(path);
+    const auto form = std::make_shared<SampleForm>(host);
+    form->Show();
+    check(host.WindowOf(*form));
+  };
+  reopen([&](HWND window) {
+    const RECT after = PlaceOf(window);
+    EXPECT_TRUE(EqualRect(&before, &after)) << after.left << ' ' << after.top;
+    EXPECT_EQ(ListView_GetColumnWidth(FirstList(window), 0), 333);
+  });
+  std::ofstream(path, std::ios::binary) << "[frmAmostra]\nplace=1 2\nplace=x\n[[[\n\xff\xfe columns =";
+  reopen([](HWND window) { EXPECT_TRUE(IsWindowVisible(window)); });
+  DeleteFileW(platform::Wide(path).c_str());
+  RemoveDirectoryW(platform::Wide(TempFile("quenta_form_host_tests")).c_str());
+}
+
+TEST_F(FormHostTest, AQuestionLeavesTheFormAsItsModelSays) {
+  Show();
+  platform::Desktop desktop(host);
+  // Answered by a timer, as the user would: while the box is open the form is disabled by the model, too.
+  static SampleForm* asked;
+  asked = form.get();
+  SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR timer, DWORD) {
+    const HWND box = FindWindowW(L"#32770", L"Alteração de Preços");
+    if (box == nullptr) return;
+    KillTimer(nullptr, timer);
+    asked->set_enabled(false);
+    PostMessageW(box, WM_COMMAND, IDNO, 0);
+  });
+  const ports::Answer answer = desktop.Ask({.text = "Deseja replicar?",
+                                            .title = "Alteração de Preços",
+                                            .icon = ports::Icon::kQuestion,
+                                            .buttons = ports::Buttons::kYesNo,
+                                            .system_modal = true},
+                                           form.get());
+  EXPECT_EQ(answer, ports::Answer::kNo);
+  EXPECT_FALSE(IsWindowEnabled(window));
+}
+
+TEST_F(FormHostTest, AWaitProcessesMessagesAndEndsWhenTheHostQuits) {
+  Show();
+  platform::Desktop desktop(host);
+  PostMessageW(window, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(desktop.Breathe());
+  EXPECT_EQ(form->closed, 1);
+  PostQuitMessage(7);
+  EXPECT_FALSE(desktop.Breathe());
+  MSG quit;
+  ASSERT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the host's loop must still see it";
+  EXPECT_EQ(quit.wParam, 7U);
+}
+
+}  // namespace
+}  // namespace quenta::tests

@@ -1,0 +1,107 @@
+// The settings port against the real registry, files and regional conventions.
+#include "platform/win32/settings.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include "platform/win32/files.h"
+#include "platform/win32/wide_text.h"
+
+// Windows' header makes this name a macro; here it is the port's.
+#undef ReplaceFile
+
+namespace quenta::tests {
+namespace {
+
+using platform::Narrow;
+using platform::Settings;
+using platform::Wide;
+
+constexpr ports::RootKey kCurrentUser = 0x80000001;
+constexpr char kKey[] = "SOFTWARE\\QuentaTests\\Settings";
+
+class SettingsTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(
+        RegCreateKeyExW(HKEY_CURRENT_USER, Wide(kKey).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key_, nullptr),
+        ERROR_SUCCESS);
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    path_ = Narrow(folder) + "quenta_settings_tests.db";
+    work_path_ = Narrow(folder) + "quenta_settings_tests.tmp";
+  }
+  void TearDown() override {
+    RegCloseKey(key_);
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\QuentaTests");
+    DeleteFileW(Wide(path_).c_str());
+  }
+  void Write(const wchar_t* name, DWORD type, const std::wstring& text) {
+    RegSetValueExW(key_, name, 0, type, reinterpret_cast<const BYTE*>(text.data()),
+                   static_cast<DWORD>(text.size() * sizeof(wchar_t)));
+  }
+
+  Settings settings_;
+  HKEY key_ = nullptr;
+  std::string path_;
+  std::string work_path_;
+};
+
+TEST_F(SettingsTest, RegistryTextIsCutAtItsEndAndOtherTypesAreNoText) {
+  using namespace std::string_literals;
+  Write(L"plain", REG_SZ, L"servidor\\ção\0"s);
+  Write(L"unterminated", REG_SZ, L"abc"s);
+  Write(L"inner", REG_SZ, L"abc\0def\0"s);
+  Write(L"long", REG_SZ, std::wstring(5000, L'x') + L'\0');
+  Write(L"empty", REG_SZ, L""s);
+  Write(L"binary", REG_BINARY, L"abc\0"s);
+  const struct {
+    const char* name;
+    std::optional<std::string> text;
+  } cases[] = {{"plain", "servidor\\ção"},       {"unterminated", "abc"}, {"inner", "abc"},
+               {"long", std::string(3500, 'x')}, {"empty", ""},           {"binary", std::nullopt},
+               {"missing", std::nullopt}};
+  for (const auto& [name, text] : cases) EXPECT_EQ(settings_.ReadRegistryText(kCurrentUser, kKey, name), text) << name;
+  EXPECT_EQ(settings_.ReadRegistryText(kCurrentUser, "SOFTWARE\\QuentaTests\\None", "plain"), std::nullopt);
+  EXPECT_EQ(settings_.ReadRegistryText(0, kKey, "plain"), std::nullopt);
+}
+
+TEST_F(SettingsTest, SubkeysAreNamedAndAMissingKeyHasNone) {
+  EXPECT_EQ(settings_.EnumerateSubkeys(kCurrentUser, "SOFTWARE\\QuentaTests"), std::vector<std::string>{"Settings"});
+  EXPECT_TRUE(settings_.EnumerateSubkeys(kCurrentUser, "SOFTWARE\\QuentaNone").empty());
+}
+
+TEST_F(SettingsTest, AFileIsReplacedWholeOrNotAtAll) {
+  EXPECT_FALSE(settings_.ReplaceFile(path_, work_path_, "x")) << "it must exist beforehand";
+  EXPECT_FALSE(settings_.ReadFile(work_path_).has_value());
+  ASSERT_TRUE(platform::WriteWholeFile(Wide(path_), "before\r\n"));
+  EXPECT_TRUE(settings_.ReplaceFile(path_, work_path_, "after\r\n"));
+  EXPECT_EQ(settings_.ReadFile(path_), "after\r\n");
+  EXPECT_FALSE(settings_.ReadFile(work_path_).has_value()) << "the work file is gone";
+  // Held open by a program that lets nobody write.
+  const HANDLE held =
+      CreateFileW(Wide(path_).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  EXPECT_FALSE(settings_.ReplaceFile(path_, work_path_, "later\r\n"));
+  EXPECT_EQ(settings_.ReadFile(path_), "after\r\n");
+  EXPECT_FALSE(settings_.ReadFile(work_path_).has_value());
+  CloseHandle(held);
+}
+
+TEST_F(SettingsTest, FoldersAndLocaleAreTheUsers) {
+  constexpr int kAllUsersData = 35;
+  const std::string folder = settings_.SpecialFolder(kAllUsersData);
+  EXPECT_FALSE(folder.empty());
+  EXPECT_FALSE(folder.ends_with('\\'));
+  EXPECT_EQ(settings_.SpecialFolder(9999), "");
+  EXPECT_FALSE(settings_.TempFolder().empty());
+  EXPECT_FALSE(settings_.TempFolder().ends_with('\\'));
+  const base::Locale locale = settings_.UserLocale();
+  EXPECT_TRUE(locale.decimal == "," || locale.decimal == ".") << locale.decimal;
+  EXPECT_EQ(locale.short_date.find_first_of("M'"), std::string::npos) << locale.short_date;
+  EXPECT_NE(locale.short_date.find("yy"), std::string::npos) << locale.short_date;
+  EXPECT_FALSE(locale.month_names[11].empty());
+}
+
+}  // namespace
+}  // namespace quenta::tests

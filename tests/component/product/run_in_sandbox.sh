@@ -1,0 +1,24 @@
+#!/bin/bash
+# Runs a program under Wine in a sandbox of its own: the component and the sandbox's classes registered, the suite's
+# settings, and a fresh sample catalogue.
+# usage: run_in_sandbox.sh BUILD-FOLDER program.exe [arguments…]
+set -euo pipefail
+program=$(realpath "$2")
+QUENTA_BUILD=$(realpath "$1")
+export QUENTA_BUILD
+shift 2
+# shellcheck source=scripts/sandbox.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../../../scripts/sandbox.sh"
+SANDBOX=$BUILD/test-sandbox
+PREFIX=$SANDBOX/prefix
+DATABASE=$SANDBOX/catalogo.db
+export QUENTA_SANDBOX_REPORTS
+QUENTA_SANDBOX_REPORTS=$(windows_path "$SANDBOX/reports.log")
+mkdir -p "$SANDBOX"
+rm -f "$SANDBOX/reports.log"
+make_catalogue
+use_sandbox
+has_display || start_display
+prefix_is_prepared "$PREFIX" || prepare_prefix "$PREFIX"
+export WINEDEBUG=-all
+wine64 "$(windows_path "$program")" "$@"
