@@ -56,9 +56,11 @@ Outcome Measure(const Row& row) {
 
 bool Report(const Row& row, const Outcome& outcome) {
   const bool within = outcome.valid && outcome.ratio <= row.limit;
-  std::printf("%-28s %6.3f of its replay (limit %.2f; replay %.0f us; replay against itself %.3f)%s\n", row.name.c_str(),
-              outcome.ratio, row.limit, outcome.replay_us, outcome.self_ratio,
-              within ? "" : outcome.valid ? "  ABOVE ITS LIMIT" : "  VOID: the machine was too busy");
+  std::printf("%-28s %6.3f of its replay (limit %.2f; replay %.0f us; replay against itself %.3f)%s\n",
+              row.name.c_str(), outcome.ratio, row.limit, outcome.replay_us, outcome.self_ratio,
+              within          ? ""
+              : outcome.valid ? "  ABOVE ITS LIMIT"
+                              : "  VOID: the machine was too busy");
   return within;
 }
 

@@ -15,14 +15,14 @@ struct Row {
 };
 
 struct Outcome {
-  double ratio = 0;        // median of ours to median of the replay
-  double replay_us = 0;    // median time of one replay, in microseconds
-  double self_ratio = 0;   // the replay against itself: how far this run can be believed
-  bool valid = false;      // the replay against itself stayed within 0.98 to 1.02
+  double ratio = 0;       // median of ours to median of the replay
+  double replay_us = 0;   // median time of one replay, in microseconds
+  double self_ratio = 0;  // the replay against itself: how far this run can be believed
+  bool valid = false;     // the replay against itself stayed within 0.98 to 1.02
 };
 
-// Times blocks of replay, replay again and ours in rotating order and takes medians. Void runs are repeated a few times;
-// the last outcome says whether it is valid.
+// Times blocks of replay, replay again and ours in rotating order and takes medians. Void runs are repeated a few
+// times; the last outcome says whether it is valid.
 Outcome Measure(const Row& row);
 
 // Prints the row beside its limit; true when it is valid and within.

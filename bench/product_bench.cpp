@@ -1,4 +1,5 @@
-// Opening a product, against the bare replay of its statements. With --slowed, ours does everything twice and must fail.
+// Opening a product, against the bare replay of its statements. With --slowed, ours does everything twice and must
+// fail.
 #include <cstdio>
 #include <cstring>
 #include <memory>

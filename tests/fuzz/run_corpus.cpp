@@ -1,4 +1,5 @@
-// Runs a fuzz target over the files of a folder and over mutations of each, so that the corpus is a test of every build.
+// Runs a fuzz target over the files of a folder and over mutations of each, so that the corpus is a test of every
+// build.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -29,7 +30,9 @@ void Mutate(std::vector<std::uint8_t>& bytes, Random& random) {
   constexpr std::uint8_t kTelling[] = {0, '\'', '-', '.', ',', '%', '(', ';', 0x80, 0xC3, 0xE2, 0xFF};
   const std::size_t at = random.Below(bytes.size() + 1);
   switch (random.Below(3)) {
-    case 0: bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(at), kTelling[random.Below(sizeof kTelling)]); break;
+    case 0:
+      bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(at), kTelling[random.Below(sizeof kTelling)]);
+      break;
     case 1:
       if (at < bytes.size()) bytes[at] = static_cast<std::uint8_t>(random.Below(256));
       break;

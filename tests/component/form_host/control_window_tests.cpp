@@ -347,6 +347,27 @@ TEST_F(ControlWindowTest, AQuestionInALeaveRoutineIsAskedOnce) {
   EXPECT_EQ(asked, 2) << "left for another field, and by the command";
 }
 
+TEST_F(ControlWindowTest, APopupMenuRunsWhatIsChosen) {
+  Show();
+  FocusOn("FXValor");
+  for (const int key : {VK_DOWN, VK_RETURN}) PostMessageW(window, WM_KEYDOWN, static_cast<WPARAM>(key), 0);
+  EXPECT_EQ(EventsOf([&] { host.PopupMenu(*form, "mnFicheiro"); }), "FXValor lost focus, mnGravar, FXValor got focus");
+  host.PopupMenu(*form, "mnNone");
+}
+
+TEST_F(ControlWindowTest, AnEmptyNoteLeavesItsRoom) {
+  Show();
+  RECT before{};
+  GetWindowRect(Window("FXCodigo"), &before);
+  form->Label1.set_caption("");
+  RECT after{};
+  GetWindowRect(Window("FXCodigo"), &after);
+  EXPECT_LT(after.top, before.top);
+  EXPECT_FALSE(IsWindowVisible(Window("Label1")));
+  form->Label1.set_caption("Produto dependente");
+  EXPECT_TRUE(IsWindowVisible(Window("Label1")));
+}
+
 TEST_F(ControlWindowTest, AnErrorInAnEventStaysInside) {
   Show();
   form->FXCodigo.on_change = [] { throw std::runtime_error("from a handler"); };

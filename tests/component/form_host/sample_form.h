@@ -66,7 +66,7 @@ class SampleForm final : public controls::Form {
   controls::ListView ListView1{"ListView1", {{"Armazém", 240}, {"Unidades", 100, true}}, true};
   controls::Frame Frame3{"Frame3"};
   controls::Toolbar Toolbar3{"Toolbar3",
-                             {{.key = "report", .caption = "Relatório", .tooltip = "Relatório"},
+                             {{.key = "relatorio", .caption = "Relatório", .tooltip = "Relatório"},
                               {.key = "adicionar", .caption = "Adicionar", .tooltip = "Adicionar"},
                               {.key = "remover", .caption = "Remover", .tooltip = "Remover"},
                               {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar"}}};

@@ -104,8 +104,13 @@ TEST_F(LayoutTest, AListShrinksBeforeTheFieldsBelowItAreCut) {
   EXPECT_GT(places.at("other_list").height, 40);
 }
 
-TEST_F(LayoutTest, AFrameThatIsNotVisibleLeavesItsRoomToTheRest) {
+TEST_F(LayoutTest, WhatShowsNothingLeavesItsRoomToTheRest) {
+  controls::Label note{"note", "A note"};
+  layout.note = &note;
+  const auto with_note = Places(800, 700);
+  note.set_caption("");
   const auto before = Places(800, 700);
+  EXPECT_GT(before.at("list").height, with_note.at("list").height);
   head.set_visible(false);
   const auto after = Places(800, 700);
   EXPECT_EQ(after.count("head"), 0U);
@@ -147,8 +152,8 @@ TEST(WindowMemory, KeepsWhatItWasToldAndNothingOfWhatItCannotRead) {
 
 TEST(Glyphs, EveryCommandHasADrawingOfItsOwnAtEverySize) {
   std::map<std::vector<std::uint32_t>, std::string> seen;
-  for (const char* key : {"gravar", "apagar", "duplicar", "imprimir", "sair", "gerar", "adicionar", "remover", "report",
-                          "produto", "list1", "list2", "list3", "unknown"}) {
+  for (const char* key : {"gravar", "apagar", "duplicar", "imprimir", "sair", "gerar", "adicionar", "remover",
+                          "relatorio", "produto", "list1", "list2", "list3", "unknown"}) {
     for (const int size : {16, 24, 36, 48}) {
       const auto pixels = platform::RenderGlyph(key, size, {0x202020, 0x0066CC});
       ASSERT_EQ(pixels.size(), static_cast<std::size_t>(size * size));

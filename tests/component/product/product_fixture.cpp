@@ -29,8 +29,17 @@ namespace {
 constexpr const char* kConnection =
     "Provider=SQLOLEDB.1;User ID=suite;Password=Suite-2026;Initial Catalog=Amostra;Data Source=QuentaAmostra";
 
+// The one message box that is waited for: a timer looks for it, more seldom than Pump takes for silence.
 ProductFixture* waiting_for_box = nullptr;
 int box_button = 0;
+UINT_PTR box_timer = 0;
+constexpr UINT kBoxMilliseconds = 100;
+
+void StopWaiting() {
+  if (box_timer != 0) KillTimer(nullptr, box_timer);
+  box_timer = 0;
+  waiting_for_box = nullptr;
+}
 
 std::string NameOf(HWND window, const wchar_t* property = L"ControlName") {
   const auto value = reinterpret_cast<ULONG_PTR>(GetPropW(window, property));
@@ -64,7 +73,9 @@ void Pump() {
   }
 }
 
-std::string FormOnScreen::Caption() const { return WindowText(window_); }
+std::string FormOnScreen::Caption() const {
+  return WindowText(window_);
+}
 
 HWND FormOnScreen::Control(const std::string& name) const {
   struct Search {
@@ -86,7 +97,8 @@ HWND FormOnScreen::Control(const std::string& name) const {
 std::string FormOnScreen::Text(const std::string& name) const {
   const HWND control = Control(name);
   if (control == nullptr) return "(no window)";
-  const bool box = (GetWindowLongW(control, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX && ClassOf(control) == "button";
+  const bool box =
+      (GetWindowLongW(control, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX && ClassOf(control) == "button";
   if (box) return SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? "1" : "0";
   return WindowText(control);
 }
@@ -148,13 +160,15 @@ ProductFixture::~ProductFixture() {
     AnswerNext(IDNO);
     form.Close();
   }
-  waiting_for_box = nullptr;
+  StopWaiting();
   database_ = {};
   Pump();
   CoUninitialize();
 }
 
-ComPtr<IDispatch> ProductFixture::NewGeneral() { return CreateObject(L"Quenta_Produtos.General"); }
+ComPtr<IDispatch> ProductFixture::NewGeneral() {
+  return CreateObject(L"Quenta_Produtos.General");
+}
 
 bool ProductFixture::LogIn(IDispatch& general, const std::string& user, const std::string& password) {
   const Variant name{std::string_view(user)};
@@ -203,30 +217,25 @@ std::vector<FormOnScreen> ProductFixture::Forms() {
 }
 
 void ProductFixture::AnswerNext(int button) {
+  StopWaiting();
   waiting_for_box = this;
   box_button = button;
   box_text.clear();
   box_title.clear();
-  SetTimer(nullptr, 0, 20, LookForBox);
+  box_timer = SetTimer(nullptr, 0, kBoxMilliseconds, LookForBox);
 }
 
 // A message box is its thread's active dialog while it is open; its loop delivers our timer.
-void CALLBACK ProductFixture::LookForBox(HWND, UINT, UINT_PTR timer, DWORD) noexcept {
+void CALLBACK ProductFixture::LookForBox(HWND, UINT, UINT_PTR, DWORD) noexcept {
   const HWND box = FindWindowW(L"#32770", nullptr);
-  if (waiting_for_box == nullptr) {
-    KillTimer(nullptr, timer);
-  } else if (box != nullptr && GetWindowThreadProcessId(box, nullptr) == GetCurrentThreadId()) {
-    KillTimer(nullptr, timer);
-    waiting_for_box->box_title = WindowText(box);
-    waiting_for_box->box_text = WindowText(GetDlgItem(box, 0xFFFF));
-    if (waiting_for_box->box_text.empty()) {
-      for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (ClassOf(child) == "static") waiting_for_box->box_text += WindowText(child);
-      }
-    }
-    waiting_for_box = nullptr;
-    PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(box_button), 0);
+  if (waiting_for_box == nullptr || box == nullptr) return;
+  if (GetWindowThreadProcessId(box, nullptr) != GetCurrentThreadId()) return;
+  waiting_for_box->box_title = WindowText(box);
+  for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+    if (ClassOf(child) == "static") waiting_for_box->box_text += WindowText(child);
   }
+  StopWaiting();
+  PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(box_button), 0);
 }
 
 std::string ProductFixture::Sql(const std::string& statement) {
@@ -258,8 +267,8 @@ std::vector<std::string> ProductFixture::Reports() {
       start = end + 1;
     }
   }
-  const std::vector<std::string> fresh(lines.begin() + static_cast<std::ptrdiff_t>(std::min(reports_seen_, lines.size())),
-                                       lines.end());
+  const std::vector<std::string> fresh(
+      lines.begin() + static_cast<std::ptrdiff_t>(std::min(reports_seen_, lines.size())), lines.end());
   reports_seen_ = lines.size();
   return fresh;
 }

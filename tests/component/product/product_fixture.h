@@ -67,7 +67,9 @@ class ProductFixture : public testing::Test {
 
   // The database as another user sees it: the first column of the first row, "" for null, "(none)" without a row.
   std::string Sql(const std::string& statement);
-  int IdOfCode(const std::string& code) { return std::stoi(Sql("SELECT produto_id FROM tbProdutos WHERE codigo = '" + code + "'")); }
+  int IdOfCode(const std::string& code) {
+    return std::stoi(Sql("SELECT produto_id FROM tbProdutos WHERE codigo = '" + code + "'"));
+  }
 
   // What the component has reported since the last call, a line for each report.
   std::vector<std::string> Reports();

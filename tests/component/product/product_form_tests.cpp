@@ -1,5 +1,6 @@
 #include "component/product/product_fixture.h"
 
+#include "base/convert.h"
 #include "platform/automation/bstr.h"
 #include "platform/automation/com_ptr.h"
 #include "platform/automation/variant.h"
@@ -58,8 +59,8 @@ class FormTest : public ProductFixture {
 };
 
 TEST_F(FormTest, EveryRecordFieldShowsWhatTheDatabaseHolds) {
-  const char* const codes[] = {"10000", "10006", "10300-CS-42", "10121-AZ", "10028", "A10", "10466", "10017", "10702",
-                               "T-FIS", "2099000105266"};
+  const char* const codes[] = {"10000", "10006", "10300-CS-42", "10121-AZ", "10028",        "A10",
+                               "10466", "10017", "10702",       "T-FIS",    "2099000105266"};
   for (const char* const code : codes) {
     const FormOnScreen form = OpenCode(code);
     const std::string where = " FROM tbProdutos WHERE produto_id = " + std::to_string(IdOfCode(code));
@@ -85,7 +86,7 @@ TEST_F(FormTest, EveryRecordFieldShowsWhatTheDatabaseHolds) {
     for (const auto& [control, column] : {std::pair("FXAltura", "altura"), std::pair("FXLargura", "largura"),
                                           std::pair("FXProfundidade", "profundidade")}) {
       const std::string number = Sql(std::string("SELECT ") + column + where);
-      EXPECT_EQ(form.Text(control).substr(0, number.find(',')), number.substr(0, number.find(','))) << code << control;
+      EXPECT_EQ(base::ParseNumber(form.Text(control), {}), base::ParseNumber(number, {})) << code << " " << control;
     }
     form.Close();
     EXPECT_TRUE(Forms().empty()) << code;
