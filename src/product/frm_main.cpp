@@ -83,6 +83,7 @@ frmMain::frmMain(session::Session& session, ports::FormHost& host, hosting::Form
   LayOut();
   AddCommands();
   AddFieldEvents();
+  AddPriceEvents();
 }
 
 void frmMain::Open(const ports::ProductRequest& request) {

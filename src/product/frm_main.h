@@ -49,8 +49,26 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // The product's type decides which attribute fields it has and whether there is a stock tab. (types.cpp)
   void FXTipo_ID_Click();
 
+  // Fills the price list, the working copy of the price lines, and shows the default line. (prices.cpp)
+  void Fill_Precos();
+  // Shows the price line with this key in the entry fields. Alters nothing. (prices.cpp)
+  void ShowPreco(const std::string& key);
+  // Makes the selected price line the default one. (prices.cpp)
+  void mnProdutosPredef_Click();
+  // Offers the reasons of exemption when the selected VAT rate is zero, and erases the line's reason otherwise.
+  // (vat_exemption.cpp)
+  void FillIsencaoIVA();
+  // Fills the stock list. (stocks.cpp)
+  void Fill_Stocks();
+
+  // Key of the price line that the entry fields show; empty while none is shown.
+  std::string PrecoKey;
   // Set when a price was edited: saving must write the price lines again.
   bool PrecosAltered = false;
+  // Set while the user types in the field of that name: leaving it then drives the other two amounts.
+  bool ValorAltered = false;
+  bool IVAAltered = false;
+  bool TotalAltered = false;
 
   // The record.
   controls::Label FXCodigo_Label{"FXCodigo_Label", "&Código"};
@@ -173,6 +191,23 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void FXNome_GotFocus();
   void FXMarca_GotFocus();
   void RefillNames(controls::ComboBox& box, const ports::RowSet& rows, const char* column);
+
+  // prices.cpp
+  void SetInLine(int position, const std::string& text);
+
+  // price_arithmetic.cpp
+  void AddPriceEvents();
+  bool TakeAmount(controls::TextField& field, int shown_position, int raw_position, bool altered);
+  void CopyToLine(const controls::TextField& field, int shown_position, int raw_position);
+  void ShowComputed(controls::TextField& field, double amount, int shown_position, int raw_position);
+  template <typename Rate>
+  void LookUpRate(Rate& rate);
+  float Amount(const controls::TextField& field);
+  void FXValor_LostFocus();
+  void FXIVA_LostFocus();
+  void FXTOTAL_LostFocus();
+  void FXDesconto_LostFocus();
+  void FXIva_ID_Click();
 
   // saving.cpp
   bool FieldsAreValid();

@@ -8,6 +8,7 @@ namespace quenta::product {
 void frmMain::AddControls() {
   FXCor.holds_text = true;
   FXTamanho.holds_text = true;
+  FXIVA_Descrit.holds_text = true;
   FXObs.multi_line = true;
   for (controls::TextField* field : {&FXAltura, &FXLargura, &FXProfundidade, &FXValor, &FXIVA, &FXTOTAL, &FXDesconto,
                                      &FXPrecoMin, &FXPrecoMax, &FXQuantidade, &FXValorTotal}) {
@@ -111,8 +112,8 @@ void frmMain::LayOut() {
       {{{&ListView2, nullptr, 12}}, 5, true},
       {{{&FXTipo, &FXTipo_Label, 3},
         {&FXValor, &FXValor_Label, 2},
-        {&FXIva_ID, &FXIva_ID_Label, 2},
-        {&FXIVA, &FXIVA_Label, 2},
+        {&FXIva_ID, &FXIva_ID_Label, 3},
+        {&FXIVA, &FXIVA_Label, 1},
         {&FXTOTAL, &FXTOTAL_Label, 2},
         {&FXDesconto, &FXDesconto_Label, 1}}},
       {{{&FXIVA_Descrit, &FXIVA_Descrit_Label, 12}}},

@@ -47,6 +47,8 @@ void frmMain::Fill() {
       shown = LoadProduct();
       NoteAssociations();
     }
+    Fill_Precos();
+    Fill_Stocks();
     LockByWarehouse();
     record_shown_ = shown;
   });
@@ -56,8 +58,10 @@ void frmMain::Fill() {
 // What an earlier product left in the fields never stands under another one's identifier.
 void frmMain::ClearRecord() {
   for (controls::Control* field : std::initializer_list<controls::Control*>{
-           &FXCodigo, &FXNome, &FXDescontinuado, &FXTipo_ID, &FXFamilia_ID, &FXSub_Familia_ID, &FXMarca,
-           &FXFornecedor_ID, &FXCentro_ID, &FXCor, &FXTamanho, &FXAltura, &FXLargura, &FXProfundidade, &FXObs}) {
+           &FXCodigo,  &FXNome,          &FXDescontinuado, &FXTipo_ID, &FXFamilia_ID, &FXSub_Familia_ID,
+           &FXMarca,   &FXFornecedor_ID, &FXCentro_ID,     &FXCor,     &FXTamanho,    &FXAltura,
+           &FXLargura, &FXProfundidade,  &FXObs,           &FXTipo,    &FXValor,      &FXIVA,
+           &FXTOTAL,   &FXDesconto,      &FXIVA_Descrit}) {
     Set(*field, base::Value::Null());
   }
   Label1.set_caption(kNoteCaption);

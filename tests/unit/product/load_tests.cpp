@@ -41,7 +41,7 @@ TEST_F(LoadTest, TheLookupsAndTheRecordAreReadWithTheseStatementsInThisOrder) {
   std::vector<std::string> read;
   for (const std::string& statement : database.statements) {
     if (statement != "SELECT @@TRANCOUNT as valor")
-      read.push_back(statement.substr(0, statement.find(" WHERE produto_id")));
+      read.push_back(statement.substr(0, statement.find(" WHERE produto_id")).substr(0, 70));
   }
   const std::vector<std::string> expected = {
       "SELECT * FROM tbProdutos_Tipos ORDER BY tipo_id",
@@ -60,6 +60,9 @@ TEST_F(LoadTest, TheLookupsAndTheRecordAreReadWithTheseStatementsInThisOrder) {
       "SELECT * FROM tbTratamentos",
       "SELECT * FROM sysobjects WHERE name = 'tbProjectos_Servicos_Tipos'",
       "SELECT * FROM tbProjectos_Servicos_Tipos",
+      "SELECT tbProdutos_Precos.*, tbProdutos_Precos_Tipos.descrit as tipo FR",
+      "SELECT * FROM tbTaxas_Iva WHERE iva_id = 3",
+      "SELECT tbProdutos_Stocks.*, tbProdutos_Stocks_Minimos.unidades as unid",
       "SELECT GETDATE() AS DATE",
   };
   EXPECT_EQ(read, expected);

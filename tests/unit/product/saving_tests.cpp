@@ -184,6 +184,7 @@ TEST_F(SavingTest, WhatTheServerRefusesIsReportedAndNothingIsSaved) {
 TEST_F(SavingTest, WhileASaveAsksNoOtherFormCanJoinItsTransaction) {
   const auto other = OpenForm(IdOfCode("10001"));
   const auto form = OpenForm(IdOfCode("10300"));
+  form->ListView2.Clear();
   AddPriceLine(*form, 1, "1", "1", "0,23", "1,23", "", true);
   form->PrecosAltered = true;
   other->FXNome.Typed("Outro");

@@ -1,0 +1,89 @@
+// The price list: the working copy of the product's price lines, and the line that is shown in the entry fields.
+#include "base/convert.h"
+#include "base/format.h"
+#include "base/text.h"
+#include "controls/field_value.h"
+#include "product/frm_main_guard.h"
+#include "product/price_row.h"
+
+namespace quenta::product {
+namespace {
+
+constexpr const char* kDefaultMark = " [Predefinido]";
+
+}  // namespace
+
+void frmMain::Fill_Precos() {
+  Guarded("Fill_Precos", [&] {
+    const base::Locale& locale = session_.locale();
+    const auto shown = [&](const base::Value& value) {
+      return value.is_null() ? std::string(" ") : base::Format(value, "0.00", locale);
+    };
+    const auto raw = [&](const base::Value& value, const char* for_null) {
+      return value.is_null() ? std::string(for_null) : base::ToText(value, locale);
+    };
+    const ports::RowSet lines = session_.Query(
+        "SELECT tbProdutos_Precos.*, tbProdutos_Precos_Tipos.descrit as tipo FROM tbProdutos_Precos LEFT JOIN "
+        "tbProdutos_Precos_Tipos ON tbProdutos_Precos.tipo_id = tbProdutos_Precos_Tipos.tipo_id WHERE produto_id = " +
+        base::DecimalText(produto_id_) + " ORDER BY tbProdutos_Precos_Tipos.descrit");
+    PrecoKey.clear();
+    PrecosAltered = false;
+    ListView2.Clear();
+    for (const ports::Row line : lines) {
+      const std::string key = "#" + base::ToText(line["tipo_id"], locale);
+      controls::ListItem& item = ListView2.Add(key, raw(line["tipo"], " "));
+      item.small_icon = kLineIcon;
+      item.sub_items = {shown(line["preco"]),       shown(line["preco_total"]), raw(line["preco"], "0"),
+                        raw(line["iva_id"], "0"),   raw(line["iva"], "0"),      raw(line["preco_total"], "0"),
+                        raw(line["desconto"], "0"), raw(line["tipo"], "0"),     raw(line["iva_descrit"], "")};
+      if (!base::IsNonZero(line["predef"])) continue;
+      item.small_icon = kDefaultLineIcon;
+      item.text += kDefaultMark;
+      ListView2.Select(ListView2.Count() - 1);
+      ShowPreco(key);
+    }
+  });
+}
+
+void frmMain::ShowPreco(const std::string& key) {
+  Guarded("ShowPreco", [&] {
+    using namespace controls::format_code;
+    const bool altered = altered_;
+    const PriceRow line(ListView2.Item(key));
+    PrecoKey = key;
+    Set(FXTipo, line.tipo(), kText);
+    Set(FXValor, line.preco(), kAmount);
+    Set(FXIVA, line.iva(), kAmount);
+    Set(FXIva_ID, line.iva_id());
+    Set(FXTOTAL, line.preco_total(), kAmount);
+    Set(FXDesconto, line.desconto(), kPercent);
+    FillIsencaoIVA();
+    Set(FXIVA_Descrit, line.iva_descrit());
+    altered_ = altered;
+  });
+}
+
+void frmMain::mnProdutosPredef_Click() {
+  Guarded("mnProdutosPredef_Click", [&] {
+    if (ListView2.Count() == 0) return;
+    for (int i = 0; i < ListView2.Count(); ++i) {
+      controls::ListItem& item = ListView2.At(i);
+      const bool chosen = i == ListView2.selected();
+      const std::string name = PriceRow(item).tipo();
+      item.small_icon = chosen ? kDefaultLineIcon : kLineIcon;
+      item.text = chosen ? name + kDefaultMark : name;
+    }
+    ListView2.ItemsChanged();
+    SetAltered(true);
+    PrecosAltered = true;
+  });
+}
+
+// Writes into the row of the line that is shown; into none when no line is.
+void frmMain::SetInLine(int position, const std::string& text) {
+  if (PrecoKey.empty()) return;
+  ListView2.Item(PrecoKey).sub_items.at(static_cast<std::size_t>(position - 1)) = text;
+  ListView2.ItemsChanged();
+}
+
+}  // namespace quenta::product

@@ -1,0 +1,28 @@
+// A line without VAT must say why: the reasons are offered for a rate of zero, and erased by any other.
+#include "base/convert.h"
+#include "controls/field_value.h"
+#include "data/control_fill.h"
+#include "product/frm_main_guard.h"
+#include "product/price_row.h"
+
+namespace quenta::product {
+
+void frmMain::FillIsencaoIVA() {
+  Guarded("FillIsencaoIVA", [&] {
+    const ports::RowSet rates =
+        session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " + Sql(FXIva_ID, controls::format_code::kNumber));
+    // A rate that is not in the table counts as exempt.
+    const bool exempt = rates.empty() || !base::IsNonZero(rates.front()["tx"]);
+    if (exempt) {
+      data::ControlFill(session_, FXIVA_Descrit, "SELECT * FROM tbTaxas_IVA_Insencoes ORDER BY descrit", "descrit",
+                        "isencao_id");
+    } else {
+      Set(FXIVA_Descrit, base::Value::Null());
+      SetInLine(price_position::kIvaDescrit, "");
+    }
+    FXIVA_Descrit.set_enabled(exempt);
+    FXIVA_Descrit_Label.set_enabled(exempt);
+  });
+}
+
+}  // namespace quenta::product

@@ -1,0 +1,189 @@
+#include <cmath>
+
+#include "base/convert.h"
+#include "base/error.h"
+#include "base/text.h"
+#include "controls/field_value.h"
+#include "product/price_arithmetic.h"
+#include "product/price_row.h"
+#include "support/sample_component.h"
+
+namespace quenta::tests {
+namespace {
+
+class PricesTest : public SampleComponentTest {
+ protected:
+  void SetUp() override {
+    LogIn("ana");
+    Open("10000");
+  }
+  void Open(const std::string& code) {
+    form = OpenForm(IdOfCode(code));
+    form->FXIva_ID.SetListIndex(-1);
+    controls::SetFieldValue(form->FXIva_ID, 1, 0, {});
+  }
+  // As a person types into the field and leaves it.
+  void Type(controls::TextField& field, const std::string& text) {
+    field.GotFocus();
+    field.KeyDown('1');
+    field.Typed(text);
+    field.LostFocus();
+  }
+  std::string Amounts() { return form->FXValor.tag() + " | " + form->FXIVA.tag() + " | " + form->FXTOTAL.tag(); }
+  std::string Line() {
+    const product::PriceRow line(form->ListView2.Item(form->PrecoKey));
+    return line.preco() + " | " + line.iva() + " | " + line.preco_total();
+  }
+  void ChooseRate(double tx) {
+    Sql("UPDATE tbTaxas_Iva SET tx = " + base::ReplaceAll(base::ToText(tx, EnglishLocale()), ",", ".") +
+        " WHERE iva_id = 1");
+  }
+  std::shared_ptr<product::frmMain> form;
+};
+
+TEST_F(PricesTest, TheListShowsEachLineAndTheFieldsTheDefaultOne) {
+  Open("10404");
+  const auto lines = OpenForm(IdOfCode("10000"));
+  EXPECT_EQ(lines->ListView2.Count(), 3);
+  EXPECT_EQ(lines->FXTipo.text(), "Venda ao público");
+  EXPECT_EQ(lines->ListView2.Item(lines->PrecoKey).text, "Venda ao público [Predefinido]");
+  EXPECT_EQ(lines->ListView2.At(lines->ListView2.selected()).small_icon, 3);
+  EXPECT_EQ(lines->FXTOTAL.text(), "€ 9,95");
+  const auto gone = OpenForm(IdOfCode("10401"));
+  EXPECT_EQ(gone->ListView2.At(0).text.substr(0, 1), " ")
+      << "a type that is gone comes first, with a blank for its name";
+  const auto none = OpenForm(IdOfCode("10402"));
+  EXPECT_EQ(none->PrecoKey, "");
+  EXPECT_EQ(none->FXValor.text(), "");
+  EXPECT_TRUE(reporting.reports.empty());
+}
+
+struct AmountCase {
+  const char* what;
+  controls::TextField product::frmMain::*field;
+  const char* typed;
+  double rate;
+  const char* amounts;  // value | VAT | total
+};
+
+TEST_F(PricesTest, WhatIsTypedDrivesTheOtherTwo) {
+  using product::frmMain;
+  const AmountCase cases[] = {
+      {"value", &frmMain::FXValor, "100", 0.23, "100 | 23 | 123"},
+      {"total", &frmMain::FXTOTAL, "123", 0.23, "100 | 23 | 123"},
+      {"total", &frmMain::FXTOTAL, "10", 0.23, "8,13008 | 1,86992 | 10"},
+      {"VAT", &frmMain::FXIVA, "23", 0.23, "100 | 23 | 123"},
+      {"VAT at no rate", &frmMain::FXIVA, "5", 0, "0 | 5 | 0"},
+      {"value at no rate", &frmMain::FXValor, "7,5", 0, "7,5 | 0 | 7,5"},
+      {"value with a point", &frmMain::FXValor, "12.5", 0.06, "12,5 | 0,75 | 13,25"},
+      {"letters", &frmMain::FXValor, "abc", 0.23, "0 | 0 | 0"},
+  };
+  for (const AmountCase& c : cases) {
+    ChooseRate(c.rate);
+    Type((*form).*c.field, c.typed);
+    EXPECT_EQ(Amounts(), c.amounts) << c.what << " " << c.typed;
+    EXPECT_EQ(Line(), c.amounts) << "the row is the working copy: " << c.what;
+  }
+  EXPECT_TRUE(form->Altered() && form->PrecosAltered);
+}
+
+TEST_F(PricesTest, LeavingWithoutTypingOnlyCopiesAndNoRateComputesNothing) {
+  const std::string before = Amounts();
+  form->FXTOTAL.GotFocus();
+  form->FXTOTAL.KeyDown(controls::key_code::kTab);
+  form->FXTOTAL.LostFocus();
+  EXPECT_FALSE(form->Altered() || form->PrecosAltered);
+  EXPECT_EQ(Line(), Amounts());
+  form->FXIva_ID.SetListIndex(-1);
+  Type(form->FXValor, "50");
+  EXPECT_EQ(form->FXValor.tag(), "50");
+  EXPECT_EQ(before.substr(before.find('|')), Amounts().substr(Amounts().find('|')));
+}
+
+TEST_F(PricesTest, AnAmountBeyondThirtyTwoBitsEndsTheHandler) {
+  const std::string vat = form->FXIVA.tag();
+  Type(form->FXTOTAL, "2147483648");
+  ASSERT_EQ(reporting.reports.size(), 1U);
+  EXPECT_EQ(reporting.reports[0].procedure, "FXTOTAL_LostFocus");
+  EXPECT_EQ(form->FXIVA.tag(), vat);
+  EXPECT_TRUE(form->TotalAltered) << "the rest of the handler did not run";
+  EXPECT_EQ(product::R5(21474.83647), 21474.83647);
+  EXPECT_THROW(product::R5(21474.83648), base::Error);
+  EXPECT_EQ(product::R5(0.000005), 0.0) << "ties to even";
+  EXPECT_EQ(product::R5(0.000015), 0.00002);
+}
+
+// Value, VAT and total agree to the fifth decimal as far as single precision carries: seven digits, so below 100.
+TEST_F(PricesTest, RandomAmountsAgreeWithExactArithmetic) {
+  std::uint32_t state = 7;
+  const auto random = [&](std::uint32_t bound) {
+    state = state * 1664525U + 1013904223U;
+    return (state >> 8) % bound;
+  };
+  const int rates_in_hundredths[] = {23, 13, 6, 0, 17};
+  for (int i = 0; i < 60; ++i) {
+    const int rate = rates_in_hundredths[i % 5];
+    ChooseRate(rate / 100.0);
+    const long long cents = random(10000);
+    const std::string typed =
+        base::DecimalText(cents / 100) + "," + (cents % 100 < 10 ? "0" : "") + base::DecimalText(cents % 100);
+    Type(form->FXValor, typed);
+    // In hundred-thousandths: the total is exact, the VAT is what is left of it.
+    const long long total = cents * 10 * (100 + rate);
+    const long long vat = cents * 10 * rate;
+    const auto units = [](const std::string& tag) { return std::llround(base::ToDouble(tag, {}) * 100000); };
+    EXPECT_LE(std::llabs(units(form->FXTOTAL.tag()) - total), 1) << typed << " at " << rate;
+    EXPECT_LE(std::llabs(units(form->FXIVA.tag()) - vat), 1) << typed << " at " << rate;
+  }
+}
+
+TEST_F(PricesTest, ATaxedRateErasesTheReasonAndAnExemptOneOffersIt) {
+  const auto choose = [&](int iva_id) {
+    for (int i = 0; i < form->FXIva_ID.ListCount(); ++i) {
+      if (form->FXIva_ID.ItemData(i) == iva_id) form->FXIva_ID.Chosen(i);
+    }
+  };
+  choose(4);
+  EXPECT_TRUE(form->FXIVA_Descrit.enabled());
+  ASSERT_GT(form->FXIVA_Descrit.ListCount(), 5);
+  form->FXIVA_Descrit.Chosen(0);
+  form->FXIVA_Descrit.LostFocus();
+  EXPECT_EQ(product::PriceRow(form->ListView2.Item(form->PrecoKey)).iva_descrit(), form->FXIVA_Descrit.text());
+  choose(2);
+  EXPECT_FALSE(form->FXIVA_Descrit.enabled());
+  EXPECT_EQ(form->FXIVA_Descrit.text(), "");
+  EXPECT_EQ(product::PriceRow(form->ListView2.Item(form->PrecoKey)).iva_descrit(), "");
+  choose(4);
+  EXPECT_EQ(form->FXIVA_Descrit.text(), "") << "offered again, nothing chosen";
+}
+
+TEST_F(PricesTest, AnotherLineIsShownMadeTheDefaultAndSaved) {
+  form->ListView2.Clicked(0);
+  EXPECT_FALSE(form->Altered()) << "showing a line alters nothing";
+  EXPECT_EQ(form->FXTipo.text(), "Grossista");
+  form->mnProdutosPredef_Click();
+  form->mnProdutosPredef_Click();
+  EXPECT_EQ(form->ListView2.At(0).text, "Grossista [Predefinido]");
+  Type(form->FXTOTAL, "10");
+  desktop.answer = ports::Answer::kNo;
+  ASSERT_TRUE(form->Gravar()) << (reporting.reports.empty() ? "refused" : reporting.reports[0].description);
+  const std::string where =
+      " FROM tbProdutos_Precos WHERE predef <> 0 AND produto_id = " + std::to_string(form->ProdutoId());
+  EXPECT_EQ(SqlText("SELECT tipo_id" + where), "3");
+  EXPECT_EQ(SqlText("SELECT preco" + where), "9.43396");
+  EXPECT_EQ(SqlText("SELECT COUNT(*)" + where), "1");
+  const auto again = OpenForm(form->ProdutoId());
+  EXPECT_EQ(again->FXTipo.text(), "Grossista");
+  EXPECT_EQ(again->FXTOTAL.text(), "€ 10,00");
+}
+
+TEST_F(PricesTest, TheStockListHasARowForEachWarehouse) {
+  const auto stocks = OpenForm(IdOfCode("10407"));
+  EXPECT_EQ(stocks->ListView1.Count(), std::stoi(SqlText("SELECT COUNT(*) FROM tbProdutos_Stocks WHERE produto_id = " +
+                                                         std::to_string(stocks->ProdutoId()))));
+  EXPECT_EQ(OpenForm(IdOfCode("10424"))->ListView1.Count(), 0);
+  EXPECT_TRUE(reporting.reports.empty());
+}
+
+}  // namespace
+}  // namespace quenta::tests
