@@ -140,6 +140,7 @@ ports::RowSet ConnectionObject::Run(const std::string& sql) {
 void ConnectionObject::OpenWith(const std::string& connection_string) {
   RequireClosed();
   connection_->SetConnectionString(connection_string);
+  StayLoaded();
   AtProvider([&] { connection_->Open(); });
 }
 
@@ -152,6 +153,7 @@ Variant ConnectionObject::Open(const Arguments& arguments) {
   if (const std::string password = arguments.Text(2); !password.empty()) text += ";Password=" + Quoted(password);
   connection_->SetConnectionString(text);
   in_transaction_ = false;
+  StayLoaded();
   if ((std::max(arguments.Long(3, -1), 0) & kAsyncConnect) != 0) {
     AtProvider([&] { connection_->OpenAsync(); });
     opening_ = true;

@@ -26,6 +26,12 @@ bool CanUnload() noexcept {
   return uses == 0 && OdbcDatabase::ConnectingThreads() == 0;
 }
 
+void StayLoaded() noexcept {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                     reinterpret_cast<const wchar_t*>(&uses), &module);
+}
+
 std::wstring ModulePath() {
   HMODULE module = nullptr;
   if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,

@@ -22,6 +22,10 @@ void LockModule(bool lock) noexcept;
 // Nothing counts any more and no thread of the DLL is connecting.
 bool CanUnload() noexcept;
 
+// From now on the DLL stays until the process ends. For the first thread that connects: a given-up one is still inside
+// when COM goes, and CoUninitialize unloads without asking.
+void StayLoaded() noexcept;
+
 // Full path of the DLL; empty when the system does not tell.
 std::wstring ModulePath();
 

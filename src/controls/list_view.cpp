@@ -22,13 +22,13 @@ void ListView::Clear() {
   items_.clear();
   positions_.clear();
   selected_ = -1;
-  Changed(Aspect::kItems);
+  RowsChanged();
 }
 
 ListItem& ListView::Add(std::string key, std::string text) {
   if (!positions_.emplace(key, items_.size()).second) RaiseNoSuchRow();
   items_.push_back({std::move(key), std::move(text), {}, 0, false});
-  Changed(Aspect::kItems);
+  RowsChanged();
   return items_.back();
 }
 
@@ -42,7 +42,7 @@ void ListView::Remove(const std::string& key) {
     if (position > index) --position;
   }
   if (selected_ >= Count()) selected_ = Count() - 1;
-  Changed(Aspect::kItems);
+  RowsChanged();
 }
 
 ListItem& ListView::At(int index) {

@@ -41,8 +41,23 @@ class ListView final : public Control {
   // Row by position (from 0) or by key; Error 5 when there is none.
   ListItem& At(int index);
   ListItem& Item(const std::string& key);
+  // While one lives, changes of rows are gathered and told to the view as one at its end.
+  class Update {
+   public:
+    explicit Update(ListView& list) noexcept : list_(list) { ++list_.updating_; }
+    ~Update() {
+      --list_.updating_;
+      list_.RowsChanged();
+    }
+    Update(const Update&) = delete;
+    Update& operator=(const Update&) = delete;
+
+   private:
+    ListView& list_;
+  };
+
   // Tells the view after rows were changed through the references above.
-  void ItemsChanged() { Changed(Aspect::kItems); }
+  void ItemsChanged() noexcept { RowsChanged(); }
 
   // Text of a cell: column 0 is the row's text; empty beyond its sub-items.
   const std::string& Cell(int row, int column) const;
@@ -60,11 +75,16 @@ class ListView final : public Control {
   void Checked(int index, bool checked);
 
  private:
+  void RowsChanged() noexcept {
+    if (updating_ == 0) Changed(Aspect::kItems);
+  }
+
   std::vector<ListColumn> columns_;
   bool check_boxes_;
   std::vector<ListItem> items_;
   std::unordered_map<std::string, std::size_t> positions_;
   int selected_ = -1;
+  int updating_ = 0;
 };
 
 }  // namespace quenta::controls

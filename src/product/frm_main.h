@@ -61,6 +61,12 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // Fills the stock list. (stocks.cpp)
   void Fill_Stocks();
 
+  // Fills the history with the lines of a source in the chosen period: 1 sales, 2 purchases, 3 customer orders,
+  // 4 supplier orders. (history.cpp)
+  void Fill_Track(int mode);
+  // Fills the list of dependent products. (dependants.cpp)
+  void Fill_Dependentes();
+
   // Key of the price line that the entry fields show; empty while none is shown.
   std::string PrecoKey;
   // Set when a price was edited: saving must write the price lines again.
@@ -208,6 +214,11 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void FXTOTAL_LostFocus();
   void FXDesconto_LostFocus();
   void FXIva_ID_Click();
+
+  // history.cpp
+  void TabStrip1_Click();
+  void ShowHistoryOf(const std::string& tab);
+  void ShowStatistics(const ports::RowSet& statistics);
 
   // saving.cpp
   bool FieldsAreValid();

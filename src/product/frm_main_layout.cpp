@@ -153,6 +153,9 @@ void frmMain::AddCommands() {
     if (key == "sair") Unload();
     if (key == "gravar") Gravar();
   };
+  TabStrip1.on_click = [this] { TabStrip1_Click(); };
+  FXData_Inicio.on_change = [this] { ShowHistoryOf(TabStrip1.selected_key()); };
+  FXData_Fim.on_change = [this] { ShowHistoryOf(TabStrip1.selected_key()); };
   menus_ = {{.name = "mnFicheiro",
              .caption = "F&icheiro",
              .items = {{.name = "mnGravar",

@@ -221,6 +221,7 @@ bool FormWindow::IsPage(const controls::Control& frame) const noexcept {
 bool FormWindow::IsShown(const controls::Control& control) const noexcept {
   if (!control.visible()) return false;
   const controls::Layout& layout = form_->layout();
+  if (&control == layout.note) return !layout.note->caption().empty();
   if (control.kind() == ControlKind::kFrame && layout.tabs != nullptr && IsPage(control)) {
     const auto page = layout.pages.find(layout.tabs->selected_key());
     return layout.tabs->visible() && page != layout.pages.end() && page->second == &control;

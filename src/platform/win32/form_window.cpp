@@ -302,10 +302,13 @@ void FormWindow::ControlChanged(controls::Control& control, controls::Aspect asp
       for (const auto& [label, field] : field_of_label_) {
         if (field == &control) ApplyVisibility(*Find(label));
       }
-      if (control.kind() == controls::ControlKind::kFrame && !IsPage(control)) ArrangeControls();
     } else {
       shown->ModelChanged(aspect);
     }
+    const bool is_note = &control == form_->layout().note;
+    if (is_note) ApplyVisibility(*shown);
+    const bool is_frame = control.kind() == controls::ControlKind::kFrame && !IsPage(control);
+    if (is_note || (is_frame && aspect == controls::Aspect::kVisible)) ArrangeControls();
   } catch (...) {  // out of memory: the window shows what it showed before
   }
 }
@@ -323,9 +326,14 @@ void FormWindow::FormChanged(controls::FormAspect aspect) noexcept {
         RestoreEnabled();
         break;
       case FormAspect::kMousePointer: {
-        // Shown at once if the pointer is over the form, not only when it moves.
         POINT at{};
-        if (GetCursorPos(&at) && OfWindow(WindowFromPoint(at)).get() == this) SetCursorPos(at.x, at.y);
+        if (!GetCursorPos(&at) || OfWindow(WindowFromPoint(at)).get() != this) break;
+        if (form_->mouse_pointer() == controls::MousePointer::kHourglass) {
+          // At once: what follows is long, and processes no messages.
+          SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+        } else {
+          SetCursorPos(at.x, at.y);  // as if it moved: the control below says which pointer it wants
+        }
         break;
       }
       case FormAspect::kWindowState:

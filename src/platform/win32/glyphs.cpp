@@ -80,7 +80,7 @@ const std::map<std::string_view, std::vector<Shape>>& Drawings() {
         AccentFill(Box(15, 15.5, 20.5, 20.5))}},
       {"adicionar", {Outline(Circle(12, 12, 8.5)), Accent({{12, 8}, {12, 16}}), Accent({{8, 12}, {16, 12}})}},
       {"remover", {Outline(Circle(12, 12, 8.5)), Accent({{8, 12}, {16, 12}})}},
-      {"report",
+      {"relatorio",
        {Outline({{5.5, 3.5}, {14, 3.5}, {18.5, 8}, {18.5, 20.5}, {5.5, 20.5}}), Line({{14, 3.5}, {14, 8}, {18.5, 8}}),
         Accent({{9, 17}, {9, 14}}), Accent({{12, 17}, {12, 11.5}}), Accent({{15, 17}, {15, 13}})}},
       {"produto",
@@ -129,10 +129,11 @@ bool Covers(const Shape& shape, Point p, double pen) {
 double Coverage(const Shape& shape, int x, int y, double unit, double pen) {
   constexpr int kSamples = 4;
   int hits = 0;
-  for (int i = 0; i < kSamples * kSamples; ++i) {
-    const double offset_x = (i % kSamples + 0.5) / kSamples;
-    const double offset_y = (static_cast<double>(i / kSamples) + 0.5) / kSamples;
-    if (Covers(shape, {(x + offset_x) * unit, (y + offset_y) * unit}, pen)) ++hits;
+  for (int row = 0; row < kSamples; ++row) {
+    for (int column = 0; column < kSamples; ++column) {
+      const Point sample{(x + (column + 0.5) / kSamples) * unit, (y + (row + 0.5) / kSamples) * unit};
+      if (Covers(shape, sample, pen)) ++hits;
+    }
   }
   return static_cast<double>(hits) / (kSamples * kSamples);
 }

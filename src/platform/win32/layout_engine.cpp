@@ -171,7 +171,7 @@ class FormArranger {
   int NaturalHeightOfForm() const {
     int height = layout_.toolbar != nullptr ? metrics_.toolbar + metrics_.row_gap : metrics_.margin;
     const auto add = [&](int part) { height += part + metrics_.margin; };
-    if (layout_.note != nullptr) add(metrics_.line);
+    if (HasNote()) add(metrics_.line);
     for (const Frame* frame : frames_) add(NaturalHeight(*frame, false, metrics_));
     if (layout_.tabs != nullptr) add(metrics_.tab_strip + PagesHeight(layout_, metrics_));
     if (!layout_.buttons.empty()) add(metrics_.button);
@@ -187,7 +187,7 @@ class FormArranger {
           {layout_.toolbar, {metrics_.margin / 2, 0, width - metrics_.margin, metrics_.toolbar}});
       top = metrics_.toolbar + metrics_.row_gap;
     }
-    if (layout_.note != nullptr) {
+    if (HasNote()) {
       result_.controls.push_back({layout_.note, {metrics_.margin, top, inner, metrics_.line}});
       top += metrics_.line + metrics_.margin;
     }
@@ -209,6 +209,10 @@ class FormArranger {
   }
 
  private:
+  bool HasNote() const {
+    return layout_.note != nullptr && layout_.note->visible() && !layout_.note->caption().empty();
+  }
+
   int FramesThatGrow() const {
     return static_cast<int>(
         std::count_if(frames_.begin(), frames_.end(), [](const Frame* frame) { return GrowingRows(*frame) > 0; }));

@@ -60,8 +60,8 @@ struct Extent {
 Extent MinimumExtent(const controls::Layout& layout, const Metrics& metrics);
 
 // Fills a client area of this size. Rows that grow take the height that is left over; when there is too little height
-// they shrink to three lines, and what still has no room is cut at the bottom. A frame that is not visible takes no
-// room, unless it is a page.
+// they shrink to three lines, and what still has no room is cut at the bottom. A note without
+// text, and a frame that is not visible (unless it is a page), take no room.
 Arrangement Arrange(const controls::Layout& layout, const Metrics& metrics, int width, int height);
 
 // Moves (and if need be shrinks) a rectangle so that all of it lies inside another.

@@ -224,11 +224,12 @@ TEST_F(FormHostTest, OpensOverItsCallerAndWhollyOnTheScreen) {
   EXPECT_EQ(place.right, work.right);
   EXPECT_EQ(place.bottom, work.bottom);
   const auto second = std::make_shared<SampleForm>(host);
-  second->caller = std::make_shared<HostWindow>(RECT{100, 100, 1100, 860});
+  const RECT large{work.left + 20, work.top + 30, work.right - 20, work.bottom - 30};
+  second->caller = std::make_shared<HostWindow>(large);
   second->Show();
   const RECT centred = PlaceOf(host.WindowOf(*second));
-  EXPECT_NEAR(centred.left + centred.right, 1200, 2);
-  EXPECT_NEAR(centred.top + centred.bottom, 960, 2);
+  EXPECT_NEAR(centred.left + centred.right, large.left + large.right, 2);
+  EXPECT_NEAR(centred.top + centred.bottom, large.top + large.bottom, 2);
   second->caller.reset();
 }
 

@@ -1,0 +1,139 @@
+// The movement history: the document or order lines of a period, and their statistics.
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "base/convert.h"
+#include "base/text.h"
+#include "controls/field_value.h"
+#include "data/sql_field.h"
+#include "product/frm_main_guard.h"
+
+namespace quenta::product {
+namespace {
+
+using data::ListKind;
+
+// One of the four sources, under the number that Fill_Track takes. The texts keep the blanks that they always had.
+struct Source {
+  std::string_view tab;
+  const char* columns;     // of the list
+  const char* statistics;  // the same head for the statistics
+  const char* lines;       // from where, and which of them count
+  const char* since;
+  const char* until;
+  const char* line_id;
+};
+
+constexpr Source kSources[] = {
+    {"vendas",
+     "SELECT tbDocumentos.data, tbDocumentos.nome as entidade, tbDocumentos_Tipos.descrit as tipo, "
+     "tbDocumentos.documento_no, vwDocumentos_Details.*, tbDocumentos_Tipos.peso FROM ",
+     "SELECT MIN(preco_unitario) as preco_unitario_min, MAX(preco_unitario) as preco_unitario_max, SUM(quantidade) as "
+     "quantidade_sum, SUM(preco_total) as preco_total_sum FROM ",
+     "vwDocumentos_Details LEFT JOIN tbDocumentos ON tbDocumentos.armazem_id = vwDocumentos_Details.armazem_id AND "
+     "tbDocumentos.documento_main_id = vwDocumentos_Details.documento_main_id LEFT JOIN tbDocumentos_Tipos ON "
+     "tbDocumentos.tipo_doc_id = tbDocumentos_Tipos.tipo_doc_id WHERE (tbDocumentos.anulado = 0 OR "
+     "tbDocumentos.anulado "
+     "is null) AND tbDocumentos_Tipos.change_stocks <> 0 AND produto_id = ",
+     " AND tbDocumentos.data >= ", " AND tbDocumentos.data <= ", "documento_item_id"},
+    {"compras",
+     "SELECT tbDocumentos_Fornec.data, tbDocumentos_Fornec.nome as entidade, tbDocumentos_Fornec_Tipos.descrit as "
+     "tipo, "
+     "tbDocumentos_Fornec.documento_no, vwDocumentos_Fornec_Details.*, tbDocumentos_Fornec_Tipos.peso FROM ",
+     "SELECT MIN(preco_unitario) as preco_unitario_min, MAX(preco_unitario) as preco_unitario_max, SUM(quantidade) as "
+     "quantidade_sum, SUM(preco_total) as preco_total_sum FROM ",
+     "vwDocumentos_Fornec_Details LEFT JOIN tbDocumentos_Fornec ON tbDocumentos_Fornec.armazem_id = "
+     "vwDocumentos_Fornec_Details.armazem_id AND tbDocumentos_Fornec.documento_main_id = "
+     "vwDocumentos_Fornec_Details.documento_main_id LEFT JOIN tbDocumentos_Fornec_Tipos ON "
+     "tbDocumentos_Fornec.tipo_doc_id = tbDocumentos_Fornec_Tipos.tipo_doc_id WHERE (tbDocumentos_Fornec.anulado = 0 "
+     "OR "
+     "tbDocumentos_Fornec.anulado is null) AND tbDocumentos_Fornec_Tipos.change_stocks <> 0 AND produto_id = ",
+     " AND tbDocumentos_Fornec.data >= ", " AND tbDocumentos_Fornec.data <= ", "documento_item_id"},
+    {"encomendas_clientes",
+     "SELECT tbEncomendas.data, tbEncomendas.nome  as entidade, 'Encomenda' as tipo, tbEncomendas.encomenda_no, "
+     "vwEncomendas_Details.* FROM ",
+     "SELECT  MIN(preco_unitario) as preco_unitario_min, MAX(preco_unitario) as preco_unitario_max, SUM(quantidade) as "
+     "quantidade_sum, SUM(preco_total) as preco_total_sum FROM ",
+     "vwEncomendas_Details LEFT JOIN tbEncomendas ON tbEncomendas.armazem_id = vwEncomendas_Details.armazem_id AND "
+     "tbEncomendas.encomenda_main_id = vwEncomendas_Details.encomenda_main_id WHERE (tbEncomendas.anulada = 0 OR "
+     "tbEncomendas.anulada is null) AND produto_id = ",
+     " AND tbEncomendas.data >= ", " AND tbEncomendas.data <= ", "encomenda_item_id"},
+    {"encomendas_fornecedores",
+     "SELECT tbEncomendas_Fornec.data, tbEncomendas_Fornec.nome as entidade, 'Encomenda' as tipo, "
+     "tbEncomendas_Fornec.encomenda_no, vwEncomendas_Fornec_Details.* FROM ",
+     "SELECT  MIN(preco_unitario) as preco_unitario_min, MAX(preco_unitario) as preco_unitario_max, SUM(quantidade) as "
+     "quantidade_sum, SUM(preco_total) as preco_total_sum FROM ",
+     "vwEncomendas_Fornec_Details LEFT JOIN tbEncomendas_Fornec ON tbEncomendas_Fornec.armazem_id = "
+     "vwEncomendas_Fornec_Details.armazem_id AND tbEncomendas_Fornec.encomenda_main_id = "
+     "vwEncomendas_Fornec_Details.encomenda_main_id WHERE (tbEncomendas_Fornec.anulada = 0 OR "
+     "tbEncomendas_Fornec.anulada is null) AND produto_id = ",
+     "  AND tbEncomendas_Fornec.data >= ", " AND tbEncomendas_Fornec.data <= ", "encomenda_item_id"},
+};
+
+}  // namespace
+
+// The tab that is selected decides what its page shows.
+void frmMain::TabStrip1_Click() {
+  const std::string& tab = TabStrip1.selected_key();
+  if (tab == "dependentes") Fill_Dependentes();
+  ShowHistoryOf(tab);
+}
+
+void frmMain::ShowHistoryOf(const std::string& tab) {
+  const auto* const source =
+      std::find_if(std::begin(kSources), std::end(kSources), [&](const Source& s) { return s.tab == tab; });
+  if (source != std::end(kSources)) Fill_Track(static_cast<int>(source - std::begin(kSources)) + 1);
+}
+
+void frmMain::Fill_Track(int mode) {
+  Guarded("Fill_Track", [&] {
+    const Source& source = kSources[mode - 1];
+    const std::string start = Sql(FXData_Inicio, controls::format_code::kDate);
+    const std::string end = Sql(FXData_Fim, controls::format_code::kDate);
+    const std::string lines = source.lines + base::DecimalText(produto_id_) + source.since + start + source.until + end;
+    const ports::RowSet rows = session_.Query(source.columns + lines + " ORDER BY data");
+    // Orders may come without a document number; theirs then stands in its place.
+    const char* const number = rows.FindColumn("documento_no") ? "documento_no" : "encomenda_no";
+    const std::pair<const char*, ListKind> columns[] = {
+        {"entidade", ListKind::kText},
+        {"tipo", ListKind::kText},
+        {number, ListKind::kText},
+        {"quantidade", ListKind::kNumber},
+        {"preco_unitario", ListKind::kAmount},
+        {"preco_total", ListKind::kAmount},
+        {"preco_unitario", ListKind::kNumber},
+        {"preco_total", ListKind::kNumber},
+    };
+    const controls::ListView::Update update(ListView13);
+    ListView13.Clear();
+    for (const ports::Row row : rows) {
+      controls::ListItem& item = ListView13.Add(base::ToText(row["armazem_id"], session_.locale()) + "#" +
+                                                    base::ToText(row[source.line_id], session_.locale()),
+                                                data::ListField(session_, row, "data", ListKind::kDate));
+      item.sub_items.reserve(std::size(columns));
+      for (const auto& [column, kind] : columns) {
+        item.sub_items.push_back(data::ListField(session_, row, column, kind));
+      }
+    }
+    ListView13.Select(ListView13.Count() - 1);
+    ShowStatistics(session_.Query(source.statistics + lines));
+  });
+}
+
+void frmMain::ShowStatistics(const ports::RowSet& statistics) {
+  using namespace controls::format_code;
+  const struct {
+    controls::TextField& field;
+    const char* column;
+    int code;
+  } fields[] = {{FXPrecoMin, "preco_unitario_min", kAmount},
+                {FXPrecoMax, "preco_unitario_max", kAmount},
+                {FXQuantidade, "quantidade_sum", kNumber},
+                {FXValorTotal, "preco_total_sum", kAmount}};
+  for (const auto& [field, column, code] : fields) {
+    Set(field, statistics.empty() ? base::Value(0) : statistics.front()[column], code);
+  }
+}
+
+}  // namespace quenta::product
