@@ -147,10 +147,10 @@ start_display() {
   numbers=$(mktemp)
   at_exit "rm -f '$numbers'"
   if [[ -n ${QUENTA_DISPLAY:-} ]]; then
-    Xvfb "$QUENTA_DISPLAY" -screen 0 1280x900x24 -nolisten tcp >"$(log_of display)" 2>&1 &
+    Xvfb "$QUENTA_DISPLAY" -screen 0 1280x1024x24 -nolisten tcp >"$(log_of display)" 2>&1 &
     printf '%s\n' "${QUENTA_DISPLAY#:}" >"$numbers"
   else
-    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$numbers" >"$(log_of display)" 2>&1 &
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$numbers" >"$(log_of display)" 2>&1 &
   fi
   at_exit "kill $!"
   until [[ -s $numbers ]] && DISPLAY=:$(cat "$numbers") timeout 5 xdotool getdisplaygeometry >/dev/null 2>&1; do
@@ -161,6 +161,8 @@ start_display() {
   DISPLAY=:$(cat "$numbers")
   export DISPLAY
   unset WAYLAND_DISPLAY XAUTHORITY
+  # Out of the way: a pointer that rests on a window is a user who hovers there.
+  xdotool mousemove 1279 1023
 }
 
 # --- Wine -------------------------------------------------------------------------------------------------------------

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -77,19 +78,27 @@ std::vector<Server> ReadServers(const std::string& path) {
   return servers;
 }
 
+struct WindowSearch {
+  HWND own;
+  std::vector<HWND> found;
+};
+
+BOOL CALLBACK CollectWindow(HWND window, LPARAM parameter) noexcept {
+  auto& search = *reinterpret_cast<WindowSearch*>(parameter);
+  const bool captioned = (GetWindowLongW(window, GWL_STYLE) & WS_CAPTION) == WS_CAPTION;
+  if (window == search.own || !captioned || !IsWindowVisible(window)) return TRUE;
+  try {
+    search.found.push_back(window);
+    return TRUE;
+  } catch (const std::bad_alloc&) {
+    return FALSE;
+  }
+}
+
 // The windows that the component shows on this thread beside the host's own.
 std::vector<HWND> ProductWindows(HWND own) {
-  struct Search {
-    HWND own;
-    std::vector<HWND> found;
-  } search{own, {}};
-  const auto visit = [](HWND window, LPARAM parameter) noexcept -> BOOL {
-    auto& into = *reinterpret_cast<Search*>(parameter);
-    const bool captioned = (GetWindowLongW(window, GWL_STYLE) & WS_CAPTION) == WS_CAPTION;
-    if (window != into.own && captioned && IsWindowVisible(window)) into.found.push_back(window);
-    return TRUE;
-  };
-  EnumThreadWindows(GetCurrentThreadId(), visit, reinterpret_cast<LPARAM>(&search));
+  WindowSearch search{own, {}};
+  EnumThreadWindows(GetCurrentThreadId(), CollectWindow, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 

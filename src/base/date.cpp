@@ -11,7 +11,9 @@ constexpr int kSecondsPerDay = 86400;
 constexpr long kFirstDay = -657434;  // 1 January 100
 constexpr long kLastDay = 2958465;   // 31 December 9999
 
-bool IsLeap(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+bool IsLeap(int year) {
+  return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
 
 int DaysInMonth(int year, int month) {
   constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
@@ -71,6 +73,8 @@ CalendarTime ToCalendar(Date date) {
   return time;
 }
 
-Date EmptyDate() { return Date{2}; }
+Date EmptyDate() {
+  return Date{2};
+}
 
 }  // namespace quenta::base

@@ -47,16 +47,21 @@ Digits DigitsOf(std::string text) {
 
 std::optional<Digits> NumberDigits(const Value& value, const Locale& locale) {
   switch (value.kind()) {
-    case ValueKind::kSingle: return DigitsOf(NumberText(value.get<float>()));
-    case ValueKind::kCurrency: return DigitsOf(NumberText(value.get<Currency>()));
-    case ValueKind::kDecimal: return DigitsOf(NumberText(value.get<Decimal>()));
-    case ValueKind::kInt64: return DigitsOf(DecimalText(value.get<std::int64_t>()));
+    case ValueKind::kSingle:
+      return DigitsOf(NumberText(value.get<float>()));
+    case ValueKind::kCurrency:
+      return DigitsOf(NumberText(value.get<Currency>()));
+    case ValueKind::kDecimal:
+      return DigitsOf(NumberText(value.get<Decimal>()));
+    case ValueKind::kInt64:
+      return DigitsOf(DecimalText(value.get<std::int64_t>()));
     case ValueKind::kText: {
       const auto number = ParseNumber(value.text(), locale);
       if (!number) return std::nullopt;
       return DigitsOf(NumberText(*number));
     }
-    default: return DigitsOf(NumberText(ToDouble(value, locale)));
+    default:
+      return DigitsOf(NumberText(ToDouble(value, locale)));
   }
 }
 
@@ -86,7 +91,9 @@ void Round(Digits& number, int decimals) {
   }
 }
 
-bool IsPlaceholder(char c) { return c == '0' || c == '#'; }
+bool IsPlaceholder(char c) {
+  return c == '0' || c == '#';
+}
 
 // What one section of a number pattern asks for.
 struct NumberPattern {
@@ -168,12 +175,15 @@ bool IsDatePattern(std::string_view pattern) {
          pattern.find_first_of("dDmMyYhHnNsS") != std::string_view::npos;
 }
 
-std::string TwoDigits(int number) { return {static_cast<char>('0' + number / 10 % 10), static_cast<char>('0' + number % 10)}; }
+std::string TwoDigits(int number) {
+  return {static_cast<char>('0' + number / 10 % 10), static_cast<char>('0' + number % 10)};
+}
 
 std::string DatePart(char letter, std::size_t width, const CalendarTime& time, const Locale& locale) {
   const auto number = [width](int value) { return width == 1 ? DecimalText(value) : TwoDigits(value); };
   switch (letter) {
-    case 'd': return number(time.day);
+    case 'd':
+      return number(time.day);
     case 'm':
       if (width >= 3) {
         const std::string& name = locale.month_names[static_cast<std::size_t>(time.month - 1)];
@@ -185,9 +195,12 @@ std::string DatePart(char letter, std::size_t width, const CalendarTime& time, c
       const std::string year = DecimalText(time.year);
       return std::string(4 - year.size(), '0') + year;
     }
-    case 'h': return number(time.hour);
-    case 'n': return number(time.minute);
-    default: return number(time.second);
+    case 'h':
+      return number(time.hour);
+    case 'n':
+      return number(time.minute);
+    default:
+      return number(time.second);
   }
 }
 

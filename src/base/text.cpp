@@ -7,7 +7,9 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+bool IsContinuation(unsigned char byte) {
+  return (byte & 0xC0) == 0x80;
+}
 
 // Reads one code point at position and moves past it. Surrogates encoded in three bytes are taken as they are.
 char32_t NextCodePoint(std::string_view text, std::size_t& position) {
@@ -64,15 +66,23 @@ void AppendUtf8(std::string& text, char32_t code) {
   }
 }
 
-bool IsHighSurrogate(char32_t code) { return code >= 0xD800 && code <= 0xDBFF; }
-bool IsLowSurrogate(char32_t code) { return code >= 0xDC00 && code <= 0xDFFF; }
+bool IsHighSurrogate(char32_t code) {
+  return code >= 0xD800 && code <= 0xDBFF;
+}
+bool IsLowSurrogate(char32_t code) {
+  return code >= 0xDC00 && code <= 0xDFFF;
+}
 
 // In Latin Extended A, pairs stand side by side; which one of a pair is the capital depends on the stretch.
 bool EvenIsCapital(char32_t code) {
   return (code >= 0x100 && code <= 0x137) || (code >= 0x14A && code <= 0x177);
 }
-bool OddIsCapital(char32_t code) { return (code >= 0x139 && code <= 0x148) || (code >= 0x179 && code <= 0x17E); }
-bool HasNoPair(char32_t code) { return code == 0x130 || code == 0x131 || code == 0x138 || code == 0x149; }
+bool OddIsCapital(char32_t code) {
+  return (code >= 0x139 && code <= 0x148) || (code >= 0x179 && code <= 0x17E);
+}
+bool HasNoPair(char32_t code) {
+  return code == 0x130 || code == 0x131 || code == 0x138 || code == 0x149;
+}
 
 char32_t LowerOf(char32_t code) {
   if (code >= 'A' && code <= 'Z') return code + 32;
@@ -157,9 +167,13 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
   return result;
 }
 
-std::string ToUpper(std::string_view text) { return MapLetters(text, UpperOf); }
+std::string ToUpper(std::string_view text) {
+  return MapLetters(text, UpperOf);
+}
 
-std::string ToLower(std::string_view text) { return MapLetters(text, LowerOf); }
+std::string ToLower(std::string_view text) {
+  return MapLetters(text, LowerOf);
+}
 
 bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix) {
   std::size_t in_text = 0;

@@ -49,17 +49,17 @@ class Value {
                                Date, std::string>;
 
   Value() = default;
-  Value(bool value) : storage_(value) {}                          // NOLINT(google-explicit-constructor)
-  Value(std::int32_t value) : storage_(value) {}                  // NOLINT(google-explicit-constructor)
-  Value(std::int64_t value) : storage_(value) {}                  // NOLINT(google-explicit-constructor)
-  Value(float value) : storage_(value) {}                         // NOLINT(google-explicit-constructor)
-  Value(double value) : storage_(value) {}                        // NOLINT(google-explicit-constructor)
-  Value(Currency value) : storage_(value) {}                      // NOLINT(google-explicit-constructor)
-  Value(Decimal value) : storage_(value) {}                       // NOLINT(google-explicit-constructor)
-  Value(Date value) : storage_(value) {}                          // NOLINT(google-explicit-constructor)
-  Value(std::string value) : storage_(std::move(value)) {}        // NOLINT(google-explicit-constructor)
-  Value(std::string_view value) : storage_(std::string(value)) {} // NOLINT(google-explicit-constructor)
-  Value(const char* value) : storage_(std::string(value)) {}      // NOLINT(google-explicit-constructor)
+  Value(bool value) : storage_(value) {}                           // NOLINT(google-explicit-constructor)
+  Value(std::int32_t value) : storage_(value) {}                   // NOLINT(google-explicit-constructor)
+  Value(std::int64_t value) : storage_(value) {}                   // NOLINT(google-explicit-constructor)
+  Value(float value) : storage_(value) {}                          // NOLINT(google-explicit-constructor)
+  Value(double value) : storage_(value) {}                         // NOLINT(google-explicit-constructor)
+  Value(Currency value) : storage_(value) {}                       // NOLINT(google-explicit-constructor)
+  Value(Decimal value) : storage_(value) {}                        // NOLINT(google-explicit-constructor)
+  Value(Date value) : storage_(value) {}                           // NOLINT(google-explicit-constructor)
+  Value(std::string value) : storage_(std::move(value)) {}         // NOLINT(google-explicit-constructor)
+  Value(std::string_view value) : storage_(std::string(value)) {}  // NOLINT(google-explicit-constructor)
+  Value(const char* value) : storage_(std::string(value)) {}       // NOLINT(google-explicit-constructor)
 
   static Value Null() { return Value(Storage(NullTag{})); }
 

@@ -12,8 +12,8 @@ namespace quenta::ports {
 // What a record operation hands to the form, in the order in which it is set.
 struct ProductRequest {
   std::int32_t produto_id = 0;  // 0 asks for a new product
-  HostObjectRef owner{};          // the General object that opened the form; released when the form closes
-  HostObjectRef caller{};         // the host's window object, or null
+  HostObjectRef owner{};        // the General object that opened the form; released when the form closes
+  HostObjectRef caller{};       // the host's window object, or null
   // Only ObjectOpen and the operations for new products set these; the form keeps them for the host.
   std::optional<std::int32_t> current_index{};
   HostObjectRef current_object{};

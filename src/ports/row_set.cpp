@@ -7,7 +7,9 @@
 namespace quenta::ports {
 namespace {
 
-constexpr char FoldAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr char FoldAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 bool SameName(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -26,7 +28,8 @@ std::optional<std::size_t> RowSet::FindColumn(std::string_view name) const {
 const base::Value& Row::operator[](std::string_view column) const {
   const auto position = rows_->FindColumn(column);
   if (!position) {
-    throw base::Error(base::error_number::kItemNotFound, "Item cannot be found in the collection: " + std::string(column));
+    throw base::Error(base::error_number::kItemNotFound,
+                      "Item cannot be found in the collection: " + std::string(column));
   }
   return At(*position);
 }

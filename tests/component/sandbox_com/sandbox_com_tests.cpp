@@ -309,21 +309,6 @@ TEST_F(SandboxCom, AnswersForItsInterfacesAndKeepsTheDllOnlyWhileUsed) {
   EXPECT_EQ(aggregated, nullptr);
 }
 
-TEST(SandboxThreads, AnOpenThatWasGivenUpOutlivesCom) {
-  Server silent = TestedServer();
-  silent.source = silent.silent;
-  {
-    const Apartment apartment;
-    const Object connection = Object::Create(L"ADODB.Connection");
-    connection.Put(L"ConnectionTimeout", Variant(std::int32_t{1}));
-    const Variant missing = Variant::Missing();
-    connection.Call(L"Open", {Arg(silent.ConnectionString().c_str()), missing.Get(), missing.Get(), Arg(16)});
-    EXPECT_EQ(connection.Get(L"State"), base::Value(2));
-  }
-  // Its thread ends with its time, when COM and every object are gone: the process must survive that.
-  Sleep(2500);
-}
-
 TEST(SandboxReports, EachCallIsOneLine) {
   const Apartment apartment;
   const std::filesystem::path file = std::filesystem::path(Setting("QUENTA_CONTRACT_FOLDER")) / "reports.log";

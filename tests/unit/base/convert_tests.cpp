@@ -28,8 +28,12 @@ TEST(ParseNumber, TakesWhatAUserTypesAndWhatAFieldShows) {
       {"1.234,50", 1234.5, std::nullopt},
       {"1,234.50", std::nullopt, 1234.5},
       {"1.234", 1234, 1.234},
-      {"1\xC2\xA0" "234,5", 1234.5, std::nullopt},
-      {"1\xE2\x80\xAF" "234", 1234, 1234},
+      {"1\xC2\xA0"
+       "234,5",
+       1234.5, std::nullopt},
+      {"1\xE2\x80\xAF"
+       "234",
+       1234, 1234},
       {"1 234 567", 1234567, 1234567},
       {"1 23", std::nullopt, std::nullopt},
       {"1'234", 1234, 1234},
@@ -60,16 +64,26 @@ TEST(ParseNumber, TakesWhatAUserTypesAndWhatAFieldShows) {
 
 TEST(ToLong, RoundsToTheEvenNeighbourAndRefusesWhatDoesNotFit) {
   const std::pair<Value, std::int32_t> cases[] = {
-      {0.5, 0},   {1.5, 2},      {2.5, 2},     {-0.5, 0},        {-1.5, -2},          {2147483647.0, 2147483647},
-      {true, -1}, {Value(), 0},  {"42,5", 42}, {" 7 ", 7},       {Currency{25000}, 2}, {-2147483648.0, INT32_MIN},
+      {0.5, 0},
+      {1.5, 2},
+      {2.5, 2},
+      {-0.5, 0},
+      {-1.5, -2},
+      {2147483647.0, 2147483647},
+      {true, -1},
+      {Value(), 0},
+      {"42,5", 42},
+      {" 7 ", 7},
+      {Currency{25000}, 2},
+      {-2147483648.0, INT32_MIN},
       {0.49999999999999994, 0},
   };
   for (const auto& [value, expected] : cases) EXPECT_EQ(ToLong(value, PortugueseLocale()), expected);
 
   const std::pair<Value, std::int32_t> refused[] = {
-      {2147483647.5, error_number::kOverflow}, {-2147483649.0, error_number::kOverflow},
-      {std::nan(""), error_number::kOverflow}, {"99999999999", error_number::kOverflow},
-      {"abc", error_number::kTypeMismatch},    {"", error_number::kTypeMismatch},
+      {2147483647.5, error_number::kOverflow},     {-2147483649.0, error_number::kOverflow},
+      {std::nan(""), error_number::kOverflow},     {"99999999999", error_number::kOverflow},
+      {"abc", error_number::kTypeMismatch},        {"", error_number::kTypeMismatch},
       {Value::Null(), error_number::kInvalidNull},
   };
   for (const auto& [value, number] : refused) {
@@ -110,7 +124,8 @@ TEST(ParseDate, FollowsTheLocaleOrderAndRefusesDaysThatDoNotExist) {
   }
   EXPECT_EQ(ParseDate("12/25/2017", EnglishLocale()), christmas);
   EXPECT_EQ(ParseDate("25-12-2017 14:05:09", PortugueseLocale()), MakeDate({2017, 12, 25, 14, 5, 9}));
-  for (const char* text : {"31-02-2017", "29-02-2017", "00-01-2017", "25-12/2017", "25-12", "12345", "", "abc", "1-1-1-1"}) {
+  for (const char* text :
+       {"31-02-2017", "29-02-2017", "00-01-2017", "25-12/2017", "25-12", "12345", "", "abc", "1-1-1-1"}) {
     EXPECT_EQ(ParseDate(text, PortugueseLocale()), std::nullopt) << text;
   }
   EXPECT_TRUE(ParseDate("29-02-2016", PortugueseLocale()));

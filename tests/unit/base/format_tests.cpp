@@ -30,7 +30,7 @@ TEST(Format, ShowsNumbersByTheSuitesPatterns) {
       {0.23, "0.00 %", "23,00 %"},
       {-0.05, "0.00 %", "-5,00 %"},
       {0, "#,##0.00", "0,00"},
-      {1.005, "0.00", "1,01"},   // as its decimal digits read, not as its binary value
+      {1.005, "0.00", "1,01"},  // as its decimal digits read, not as its binary value
       {2.5, "0", "3"},
       {-2.5, "0", "-3"},
       {0.125F, "0.00", "0,13"},
@@ -57,9 +57,9 @@ TEST(Format, ShowsNumbersByTheSuitesPatterns) {
 TEST(Format, ShowsDatesByTheSuitesPatterns) {
   const Date moment = *MakeDate({2017, 3, 1, 4, 5, 9});
   const std::pair<const char*, const char*> cases[] = {
-      {"dd-mm-yyyy", "01-03-2017"},       {"dd-mm-yyyy Hh:Nn:Ss", "01-03-2017 04:05:09"},
-      {"yyyy-mm-dd", "2017-03-01"},       {"yyyy-mm-dd Hh:Nn:Ss", "2017-03-01 04:05:09"},
-      {"dd mmmm", "01 mar\xC3\xA7o"},     {"yyyy", "2017"},
+      {"dd-mm-yyyy", "01-03-2017"},   {"dd-mm-yyyy Hh:Nn:Ss", "01-03-2017 04:05:09"},
+      {"yyyy-mm-dd", "2017-03-01"},   {"yyyy-mm-dd Hh:Nn:Ss", "2017-03-01 04:05:09"},
+      {"dd mmmm", "01 mar\xC3\xA7o"}, {"yyyy", "2017"},
   };
   for (const auto& [pattern, expected] : cases) EXPECT_EQ(Format(moment, pattern, PortugueseLocale()), expected);
   EXPECT_EQ(Format("01-01-2026", "yyyy-mm-dd", PortugueseLocale()), "2026-01-01");
