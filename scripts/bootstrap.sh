@@ -10,7 +10,8 @@ packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev         # … for 64-bit Windows, with its type library
   googletest                                                     # sources: built with our own flags
   wine wine64 xvfb xdotool imagemagick locales                   # to run, and to take screenshots
-  fonts-dejavu-core fonts-liberation2
+  fonts-wine fonts-dejavu-core fonts-liberation2
+  libxrender1 libxcursor1 libxi6 libxrandr2 libxfixes3           # what Wine uses where it finds it: smooth text, pointers
   unixodbc unixodbc-dev odbcinst libsqliteodbc tdsodbc           # the sandbox's database
   sqlite3 libsqlite3-dev
 )

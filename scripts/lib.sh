@@ -101,10 +101,15 @@ end_running() {
 
 if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
 
-# configure PRESET [OPTIONS…]: into $BUILD/PRESET.
+# configure PRESET [OPTIONS…]: into $BUILD/PRESET. A build that was made where the checkout lay before is begun anew.
 configure() {
   local preset=$1
   shift
+  local cache=$BUILD/$preset/CMakeCache.txt
+  if [[ -f $cache ]] && ! { grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$ROOT" "$cache" &&
+    grep -qxF "CMAKE_CACHEFILE_DIR:INTERNAL=$BUILD/$preset" "$cache"; }; then
+    rm -rf "${BUILD:?}/$preset"
+  fi
   cmake --preset "$preset" -S "$ROOT" -B "$BUILD/$preset" "$@"
 }
 
@@ -180,7 +185,7 @@ use_wine() {
 }
 
 # Nothing under Wine in this prefix outlives the script.
-end_wine_at_exit() { at_exit "timeout 20 wineserver -k"; }
+end_wine_at_exit() { at_exit "timeout 20 wineserver -k; timeout 20 wineserver -w"; }
 
 # windows_path FILE: as a program under Wine takes it.
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }

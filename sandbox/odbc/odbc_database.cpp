@@ -1,12 +1,15 @@
 #include "sandbox/odbc/odbc_database.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <optional>
-#include <thread>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -51,16 +54,38 @@ void Connect(const std::shared_ptr<Attempt>& attempt, const LoginRequest& reques
   attempt->ended.notify_all();
 }
 
+struct ConnectCall {
+  std::shared_ptr<Attempt> attempt;
+  LoginRequest request;
+};
+
+void* RunConnectCall(void* argument) noexcept {
+  {
+    const std::unique_ptr<ConnectCall> call(static_cast<ConnectCall*>(argument));
+    Connect(call->attempt, call->request);
+  }
+  --connecting_threads;
+  return nullptr;
+}
+
+// Nobody waits for the thread, so it is born detached. std::thread::detach() will not do: mingw's pthread_detach frees
+// the bookkeeping of a thread that is just ending, while the thread still uses it.
+bool StartThread(std::unique_ptr<ConnectCall> call) {
+  pthread_attr_t attributes;
+  if (pthread_attr_init(&attributes) != 0) return false;
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  pthread_t thread{};
+  const bool started = pthread_create(&thread, &attributes, &RunConnectCall, call.get()) == 0;
+  pthread_attr_destroy(&attributes);
+  if (started) static_cast<void>(call.release());
+  return started;
+}
+
 std::shared_ptr<Attempt> StartAttempt(const LoginRequest& request) {
   auto attempt = std::make_shared<Attempt>();
+  auto call = std::make_unique<ConnectCall>(ConnectCall{attempt, request});
   ++connecting_threads;
-  try {
-    std::thread([attempt, request]() mutable noexcept {
-      Connect(attempt, request);
-      attempt.reset();
-      --connecting_threads;
-    }).detach();
-  } catch (...) {
+  if (!StartThread(std::move(call))) {
     --connecting_threads;
     throw base::Error(base::error_number::kDataAccess, "No thread for the connection could be started.");
   }

@@ -101,6 +101,7 @@ void OpenSharedConnection(session::Session& session, const std::string& connecti
   Connection& shared = session.SharedConnection();
   if (shared.State() != ConnectionState::kClosed) shared.Close();
   shared.SetConnectionString(connection_string);
+  session.shared_connection_string = Scramble(connection_string);
   shared.Open();
 }
 

@@ -9,24 +9,24 @@
 #include "base/convert.h"
 #include "component/session/scrambler.h"
 #include "sandbox/catalogue/sample_database.h"
+#include "support/odbc_driver.h"
 
 namespace quenta::tests {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kSource = "amostra";
-
 // One sample database for the whole test program, removed at its end.
 class Template {
  public:
   Template() {
+    KeepDriverLoaded();
     std::string name = (fs::temp_directory_path() / "quenta-XXXXXX").string();
     folder_ = mkdtemp(name.data());
     sandbox::SampleFiles files;
     files.file = {.database = folder_ / "template.db", .extension = QUENTA_SQLITE_EXTENSION};
     files.odbc_ini = folder_ / "odbc.ini";
-    files.data_sources = {kSource};
+    files.data_sources = {"modelo"};
     using namespace std::chrono;
     sandbox::MakeSampleDatabase(files,
                                 {.today = sys_days(year{2026} / November / 21), .modules = sandbox::Modules::kAll});
@@ -38,15 +38,16 @@ class Template {
   Template(const Template&) = delete;
   Template& operator=(const Template&) = delete;
 
-  // A fresh copy in a folder of its own, to which this process's data source now points.
-  std::string Copy() {
-    const fs::path folder = folder_ / std::to_string(++copies_);
+  // A fresh copy in a folder of its own, with a data source of its own: the driver manager remembers those it has read.
+  SampleCopy Copy() {
+    const std::string source = "amostra" + std::to_string(++copies_);
+    const fs::path folder = folder_ / source;
     fs::create_directory(folder);
     fs::copy_file(folder_ / "template.db", folder / "amostra.db");
     const sandbox::SandboxFile file{.database = folder / "amostra.db", .extension = QUENTA_SQLITE_EXTENSION};
-    sandbox::WriteDataSources(folder / "odbc.ini", {{kSource, file}});
+    sandbox::WriteDataSources(folder / "odbc.ini", {{source, file}});
     setenv("ODBCINI", (folder / "odbc.ini").c_str(), 1);
-    return folder;
+    return {folder, source};
   }
 
  private:
@@ -68,7 +69,7 @@ std::string PasswordOf(const std::string& user) {
 
 }  // namespace
 
-SampleComponentTest::SampleComponentTest() : folder_(SharedTemplate().Copy()) {
+SampleComponentTest::SampleComponentTest() : sample_(SharedTemplate().Copy()) {
   desktop.breath = std::chrono::milliseconds(1);
   desktop.quits_after = 30000;
 }
@@ -77,7 +78,7 @@ SampleComponentTest::~SampleComponentTest() {
   session.ReleaseConnection();
   other_.reset();
   std::error_code ignored;
-  fs::remove_all(folder_, ignored);
+  fs::remove_all(sample_.folder, ignored);
 }
 
 void SampleComponentTest::LogIn(const std::string& user) {
@@ -86,8 +87,8 @@ void SampleComponentTest::LogIn(const std::string& user) {
                                                               .cnUser = "suite",
                                                               .cnPassword = session::Scramble(PasswordOf("suite")),
                                                               .cnInitialCatalog = "Amostra",
-                                                              .cnDataSource = kSource,
-                                                              .cnDataSourceSecondary = kSource,
+                                                              .cnDataSource = sample_.source,
+                                                              .cnDataSourceSecondary = sample_.source,
                                                               .oFlags = 0});
   ASSERT_TRUE(open) << (reporting.reports.empty() ? "refused" : reporting.reports.back().description);
   database.Forget();
@@ -103,9 +104,9 @@ std::int32_t SampleComponentTest::IdOfCode(const std::string& codigo) {
   return base::ToLong(Sql("SELECT produto_id FROM tbProdutos WHERE codigo = '" + codigo + "'").front().At(0), {});
 }
 
-std::string SampleComponentTest::SharedConnectionString() {
+std::string SampleComponentTest::SharedConnectionString() const {
   return "Provider=SQLOLEDB.1;User ID=suite;Password=" + PasswordOf("suite") +
-         ";Initial Catalog=Amostra;Data Source=" + kSource;
+         ";Initial Catalog=Amostra;Data Source=" + sample_.source;
 }
 
 ports::RowSet SampleComponentTest::Sql(const std::string& sql) {

@@ -18,6 +18,12 @@
 
 namespace quenta::tests {
 
+// One test's copy of the sample database.
+struct SampleCopy {
+  std::string folder;
+  std::string source;  // its data source
+};
+
 // Each test has a database of its own, a copy of one that is made once.
 class SampleComponentTest : public ::testing::Test {
  protected:
@@ -30,14 +36,14 @@ class SampleComponentTest : public ::testing::Test {
   std::shared_ptr<product::frmMain> OpenForm(std::int32_t produto_id);
   std::int32_t IdOfCode(const std::string& codigo);
   // What opens the component's own connection.
-  static std::string SharedConnectionString();
+  std::string SharedConnectionString() const;
 
   // Runs a statement as another user of the database would: on a connection of its own.
   ports::RowSet Sql(const std::string& sql);
   // The first column of the first row as text; "(null)" and "(none)" stand for themselves.
   std::string SqlText(const std::string& sql);
 
-  std::string folder_;
+  SampleCopy sample_;
   sandbox::OdbcDatabase odbc;
   RecordingDatabase database{odbc};
   FakeSettings settings;

@@ -78,6 +78,8 @@ class Keeper {
 
   // One asynchronous open, waited for. False when the wait was cancelled.
   bool OpenAndWait() {
+    const std::string& current = session_.shared_connection_string;
+    if (IsShared() && !current.empty()) Try([&] { connection_.SetConnectionString(Unscramble(current)); });
     error_.reset();
     Try([&] { connection_.OpenAsync(); });
     session_.cancel_reconnect = false;
@@ -89,6 +91,8 @@ class Keeper {
     if (!error_) Try([&] { connection_.ThrowIfOpenFailed(); });
     return true;
   }
+
+  bool IsShared() const { return &connection_ == &session_.SharedConnection(); }
 
   void Prepare() {
     Try([&] { connection_.Close(); });
@@ -142,6 +146,7 @@ class Keeper {
       if (!error_) return true;
       Prepare();
       Try([&] { connection_.SetConnectionString(OtherConnectionString()); });
+      if (IsShared()) session_.shared_connection_string = Scramble(OtherConnectionString());
       if (!OpenAndWait()) {
         // Deliberately unlike the first wait: a silent check leaves the form minimised.
         if (check_.minimise && !check_.silent) RestoreForm();

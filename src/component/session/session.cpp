@@ -9,6 +9,7 @@ ports::Connection& Session::SharedConnection() {
 
 void Session::ReleaseConnection() noexcept {
   state_ = {};
+  shared_connection_string.clear();
   shared_connection_.reset();
 }
 

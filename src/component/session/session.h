@@ -51,6 +51,9 @@ class Session {
   // The user's regional conventions, read once.
   const base::Locale& locale();
 
+  // What the shared connection was last opened with, or tried with, scrambled: an open connection forgets its password,
+  // and opening it again needs the whole string.
+  std::string shared_connection_string;
   // Set by the reconnect protocol to end a wait for the connection; cleared before every wait.
   bool cancel_reconnect = false;
   // True while an operation of ours has a transaction open (transaction.h).

@@ -126,8 +126,7 @@ TEST_F(KeeperTest, ACancelledWaitEndsAtOnce) {
     form.pointer = 5;
     reporting.calls.clear();
     desktop.while_breathing = [&] { session.cancel_reconnect = true; };
-    session.SharedConnection().SetConnectionString(
-        database.opened.empty() ? session.SharedConnection().ConnectionString() : database.opened.front());
+    session.shared_connection_string = session.state().primary_connection_string;
     DropLine();
     EXPECT_EQ(Check({.form = &form, .reconnect = true, .silent = c.silent, .minimise = true}), "...");
     EXPECT_EQ(form.pointer, 11) << "deliberately left";

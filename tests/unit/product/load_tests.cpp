@@ -110,6 +110,13 @@ TEST_F(LoadTest, TheWorkstationsWarehouseLocksTheRecord) {
   }
 }
 
+TEST_F(LoadTest, ADroppedLineIsRestoredBeforeTheQueriesNeedIt) {
+  session.SharedConnection().Close();
+  EXPECT_EQ(OpenForm(IdOfCode("10000"))->FXCodigo.text(), "10000");
+  EXPECT_TRUE(reporting.reports.empty());
+  EXPECT_EQ(reporting.calls.back(), "SQLReconnectShowOK");
+}
+
 TEST_F(LoadTest, FillingAgainDoublesNothing) {
   const auto form = OpenForm(IdOfCode("10300"));
   const std::string before = form->Dump();

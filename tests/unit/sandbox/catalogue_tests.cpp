@@ -17,6 +17,7 @@
 #include "base/error.h"
 #include "ports/database.h"
 #include "sandbox/catalogue/sample_database.h"
+#include "support/odbc_driver.h"
 
 #include <unistd.h>
 
@@ -57,6 +58,7 @@ CatalogueOptions SampleOptions() {
 class SampleDatabase {
  public:
   explicit SampleDatabase(const CatalogueOptions& options) {
+    tests::KeepDriverLoaded();
     static int made = 0;
     const std::string name = "catalogue_tests_" + std::to_string(getpid()) + "_" + std::to_string(++made);
     folder_ = std::filesystem::temp_directory_path() / name;
