@@ -2,6 +2,11 @@
 ' Argument: the name of an environment variable that holds the connection string.
 Option Explicit
 
+' Scripts write truth values in the user's language.
+Function Truth(value)
+  If value Then Truth = "True" Else Truth = "False"
+End Function
+
 Dim environment, connection_string
 Set environment = CreateObject("WScript.Shell").Environment("Process")
 connection_string = environment(WScript.Arguments(0))
@@ -36,13 +41,13 @@ For Each field In rs.Fields
 Next
 rs.MoveNext
 rows = rs.GetRows()
-WScript.Echo "rows: " & UBound(rows, 1) & " " & UBound(rows, 2) & " " & rows(1, 1) & " " & IsNull(rows(1, 0)) & " " & rs.EOF
+WScript.Echo "rows: " & UBound(rows, 1) & " " & UBound(rows, 2) & " " & rows(1, 1) & " " & Truth(IsNull(rows(1, 0))) & " " & Truth(rs.EOF)
 rs.Close
 
 On Error Resume Next
 cn.Execute "SELECT * FROM script_nothing"
 WScript.Echo Hex(Err.Number) & " " & Err.Description
-WScript.Echo cn.Errors.Count & " " & (cn.Errors(0).Number = Err.Number) & " " & (cn.Errors(0).Description = Err.Description)
+WScript.Echo cn.Errors.Count & " " & Truth(cn.Errors(0).Number = Err.Number) & " " & Truth(cn.Errors(0).Description = Err.Description)
 Err.Clear
 rs.Open "SELECT * FROM script_products", cn
 i = rs("nada")
