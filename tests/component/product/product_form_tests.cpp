@@ -12,6 +12,27 @@ using platform::Variant;
 
 using ConnectingTest = ProductFixture;
 
+// Takes one of the suite's settings out of the registry as long as it lives.
+class WithoutSetting {
+ public:
+  explicit WithoutSetting(const wchar_t* name) : name_(name) {
+    DWORD size = sizeof text_;
+    EXPECT_EQ(RegGetValueW(HKEY_LOCAL_MACHINE, kKey, name_, RRF_RT_REG_SZ, nullptr, text_, &size), ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kKey, name_), ERROR_SUCCESS);
+  }
+  ~WithoutSetting() {
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKey, name_, REG_SZ, text_,
+                    static_cast<DWORD>((wcslen(text_) + 1) * sizeof(wchar_t)));
+  }
+  WithoutSetting(const WithoutSetting&) = delete;
+  WithoutSetting& operator=(const WithoutSetting&) = delete;
+
+ private:
+  static constexpr wchar_t kKey[] = L"SOFTWARE\\Ambrell\\Contabilidade";
+  const wchar_t* name_;
+  wchar_t text_[256] = L"";
+};
+
 TEST_F(ConnectingTest, LoginTakesTheSuitesSettingsAndChecksTheUsersPassword) {
   const auto general = NewGeneral();
   EXPECT_FALSE(LogIn(*general.Get(), "ana", "errada"));
@@ -43,6 +64,24 @@ TEST_F(ConnectingTest, SQLConnectFindsTheServerThatAnswers) {
   OpenId(*general.Get(), IdOfCode("10000"));
   ASSERT_EQ(Forms().size(), 1U);
   EXPECT_EQ(Forms()[0].Text("FXCodigo"), "10000");
+}
+
+TEST_F(ConnectingTest, WithBothServersUpTheSessionOpens) {
+  const auto general = NewGeneral();
+  EXPECT_FALSE(Connect(*general.Get(), "QuentaAmostra", "QuentaReserva", "errada"));
+  EXPECT_TRUE(Connect(*general.Get(), "QuentaAmostra", "QuentaReserva"));
+  EXPECT_TRUE(Reports().empty());
+}
+
+TEST_F(ConnectingTest, LoginNeedsEverySetting) {
+  const auto general = NewGeneral();
+  for (const wchar_t* const name :
+       {L"dtSecurityInfo", L"dtUser", L"dtPassword", L"dtInitialCatalog", L"dtDataSource"}) {
+    const WithoutSetting without(name);
+    EXPECT_FALSE(LogIn(*general.Get())) << platform::FromWide(name);
+  }
+  EXPECT_TRUE(LogIn(*general.Get()));
+  EXPECT_TRUE(Reports().empty());
 }
 
 class FormTest : public ProductFixture {

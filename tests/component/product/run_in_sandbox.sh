@@ -17,6 +17,9 @@ QUENTA_SANDBOX_REPORTS=$(windows_path "$SANDBOX/reports.log")
 mkdir -p "$SANDBOX"
 rm -f "$SANDBOX/reports.log"
 make_catalogue
+# A second server that answers: the same database under another name.
+sed "s/^\[$DATA_SOURCE\]/[QuentaReserva]/" "$SANDBOX/odbc.ini" >"$SANDBOX/reserva.ini"
+cat "$SANDBOX/reserva.ini" >>"$SANDBOX/odbc.ini"
 use_sandbox
 has_display || start_display
 prefix_is_prepared "$PREFIX" || prepare_prefix "$PREFIX"
