@@ -49,6 +49,7 @@ class AdoBackend final : public Backend {
     return other.ConnectionString();
   }
   bool HasNoSilentSource() override { return server_.silent.empty(); }
+  bool HasNoParallelThreads() override { return true; }
 
  private:
   const Server& server_ = TestedServer();
