@@ -6,6 +6,8 @@
 set -euo pipefail
 mapfile -t libraries < <([[ $# -eq 0 ]] || realpath -- "$@")
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# objdump translates its headings.
+export LC_ALL=C
 
 EXPORTS='DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer'
 
