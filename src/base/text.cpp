@@ -3,6 +3,9 @@
 #include <charconv>
 
 namespace quenta::base {
+
+using std::string_view_literals::operator""sv;
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -104,6 +107,14 @@ char32_t UpperOf(char32_t code) {
   return code;
 }
 
+// The letter without its accent, for small letters up to U+00FF.
+char32_t PlainLetterOf(char32_t code) {
+  constexpr std::string_view kPlain = "aaaaaa\0ceeeeiiii\0nooooo\0ouuuuy\0y"sv;
+  if (code < 0xE0 || code > 0xFF) return code;
+  const char plain = kPlain[code - 0xE0];
+  return plain == '\0' ? code : static_cast<char32_t>(plain);
+}
+
 template <typename Map>
 std::string MapLetters(std::string_view text, Map map) {
   std::string result;
@@ -191,6 +202,13 @@ bool EqualIgnoreCase(std::string_view a, std::string_view b) {
     if (LowerOf(NextCodePoint(a, in_a)) != LowerOf(NextCodePoint(b, in_b))) return false;
   }
   return in_a == a.size() && in_b == b.size();
+}
+
+std::string SortKey(std::string_view text) {
+  const std::string lower = ToLower(text);
+  std::string key = MapLetters(lower, PlainLetterOf);
+  if (key != lower) (key += '\0') += lower;
+  return key;
 }
 
 std::string DecimalText(long long number) {

@@ -26,6 +26,10 @@ std::string ToLower(std::string_view text);
 bool EqualIgnoreCase(std::string_view a, std::string_view b);
 bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix);
 
+// Texts whose keys compare byte by byte stand in the order of a Portuguese word list: without regard to case, letters
+// with an accent beside those without.
+std::string SortKey(std::string_view text);
+
 // Decimal text of an integer: no locale, no separators.
 std::string DecimalText(long long number);
 

@@ -1,26 +1,42 @@
 // Everything one loaded library has one of: the session and the way to new product forms.
 #pragma once
 
+#include <functional>
+#include <vector>
+
 #include "component/session/session.h"
+#include "ports/form_host.h"
 #include "ports/product_form.h"
 
 namespace quenta::component {
 
 // Built once by the composition root (or by a test); all General objects of the library share it.
-class Component {
+class Component final : private ports::TimerTarget {
  public:
-  Component(session::Session& session, ports::ProductForms& product_forms)
-      : session_(session), product_forms_(product_forms) {}
+  Component(session::Session& session, ports::ProductForms& product_forms, ports::FormHost& form_host)
+      : session_(session), product_forms_(product_forms), form_host_(form_host) {}
+  ~Component() { DropRequests(); }
+  Component(const Component&) = delete;
+  Component& operator=(const Component&) = delete;
 
   session::Session& session() noexcept { return session_; }
   ports::ProductForms& product_forms() noexcept { return product_forms_; }
+
+  // Runs a request of the host: at once, or from the message loop when the forms can be disturbed again.
+  void WhenNotBusy(std::function<void()> request);
+  // Forgets the requests that wait.
+  void DropRequests() noexcept;
 
   // True while SQLConnect or Login waits; entering either again from the host's messages is refused.
   bool connecting = false;
 
  private:
+  void OnTimer() noexcept override;
+
   session::Session& session_;
   ports::ProductForms& product_forms_;
+  ports::FormHost& form_host_;
+  std::vector<std::function<void()>> requests_;
 };
 
 }  // namespace quenta::component

@@ -52,28 +52,38 @@ bool General::Login(const std::string& User, const std::string& Password) noexce
 }
 
 void General::ObjectOpen(const base::Value& PKey, ports::ProductRequest request) noexcept {
-  Guarded("ObjectOpen", [&] { Open(PKey, std::move(request)); });
+  Guarded("ObjectOpen", [&] { Open("ObjectOpen", PKey, std::move(request)); });
 }
 
 void General::Registo(const base::Value& PKey, ports::ProductRequest request) noexcept {
-  Guarded("Registo", [&] { Open(PKey, std::move(request)); });
+  Guarded("Registo", [&] { Open("Registo", PKey, std::move(request)); });
 }
 
 void General::ObjectNew(ports::ProductRequest request) noexcept {
-  Guarded("ObjectNew", [&] { New(std::move(request)); });
+  WhenNotBusy("ObjectNew", [this, request = std::move(request)] { New(request); });
 }
 
 void General::NovoRegisto(ports::ProductRequest request) noexcept {
-  Guarded("NovoRegisto", [&] { New(std::move(request)); });
+  WhenNotBusy("NovoRegisto", [this, request = std::move(request)] { New(request); });
 }
 
-void General::Open(const base::Value& PKey, ports::ProductRequest request) {
+// Waits while an operation of a form must not be disturbed. A request that waits dies with this object, which the
+// request's owner keeps alive where there is one.
+void General::WhenNotBusy(const char* procedure, std::function<void()> body) noexcept {
+  Guarded(procedure, [&] {
+    component_.WhenNotBusy([this, alive = std::weak_ptr<void>(alive_), procedure, body = std::move(body)] {
+      if (!alive.expired()) Guarded(procedure, body);
+    });
+  });
+}
+
+void General::Open(const char* procedure, const base::Value& PKey, ports::ProductRequest request) {
   if (!component_.session().state().connected || PKey.is_empty()) return;
   request.produto_id = base::ToLong(PKey, component_.session().locale());
-  Show(request);
+  WhenNotBusy(procedure, [this, request = std::move(request)] { Show(request); });
 }
 
-void General::New(ports::ProductRequest request) {
+void General::New(const ports::ProductRequest& request) {
   session::Session& session = component_.session();
   if (!session.state().connected) return;
   if (!WarehouseAllowsNewProducts(session)) {
@@ -92,7 +102,6 @@ void General::New(ports::ProductRequest request) {
                                 nullptr);
     return;
   }
-  request.produto_id = 0;
   Show(request);
 }
 

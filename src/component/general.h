@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -48,12 +49,14 @@ class General {
  private:
   template <typename Body>
   void Guarded(const char* procedure, Body&& body) noexcept;
-  void Open(const base::Value& PKey, ports::ProductRequest request);
-  void New(ports::ProductRequest request);
+  void WhenNotBusy(const char* procedure, std::function<void()> body) noexcept;
+  void Open(const char* procedure, const base::Value& PKey, ports::ProductRequest request);
+  void New(const ports::ProductRequest& request);
   void Show(const ports::ProductRequest& request);
 
   Component& component_;
   std::shared_ptr<ports::ProductForm> form_;
+  std::shared_ptr<void> alive_ = std::make_shared<char>();  // tells requests that wait whether this object still is
 };
 
 }  // namespace quenta::component

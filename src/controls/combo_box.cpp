@@ -71,6 +71,13 @@ void ComboBox::SelectAll() {
   Select({0, base::Utf16Length(text_)});
 }
 
+int ComboBox::FindString(const std::string& start) const {
+  for (int i = 0; i < ListCount(); ++i) {
+    if (base::StartsWithIgnoreCase(List(i), start)) return i;
+  }
+  return -1;
+}
+
 void ComboBox::Typed(std::string text) {
   if (text_ == text) return;
   text_ = std::move(text);

@@ -64,6 +64,9 @@ class ComboBox final : public Control {
   void SelectAll();
   void SelectionMoved(TextRange range) noexcept { selection_ = range; }
 
+  // Position of the first entry that begins with the text, without regard to case; -1 when there is none.
+  int FindString(const std::string& start) const;
+
   // Opens the list under the box; text and selection stay.
   void ShowDropDown() { Changed(Aspect::kDropDown); }
 

@@ -83,6 +83,7 @@ struct MenuItem {
   std::string shortcut{};  // as shown beside it: "Ctrl+S"; the form's shortcuts make it work
   bool enabled = true;
   bool checked = false;
+  bool in_menu_bar = true;  // of a menu: false for one that only pops up
   std::function<void()> on_click{};
   std::vector<MenuItem> items{};
 };

@@ -28,4 +28,9 @@ void Control::KeyDown(int key) {
   if (on_key_down) on_key_down(key);
 }
 
+int Control::KeyPress(int key) {
+  if (on_key_press) on_key_press(key);
+  return key;
+}
+
 }  // namespace quenta::controls

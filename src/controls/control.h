@@ -23,6 +23,7 @@ enum class ControlKind {
   kTabStrip,
   kToolbar,
   kFrame,
+  kProgressBar,
 };
 
 // What a control's model has changed by itself, for the view that shows it.
@@ -93,12 +94,15 @@ class Control {
 
   std::function<void()> on_got_focus;
   std::function<void()> on_lost_focus;
-  std::function<void(int key)> on_key_down;  // virtual key code, before the control acts on it
+  std::function<void(int key)> on_key_down;    // virtual key code, before the control acts on it
+  std::function<void(int& key)> on_key_press;  // UTF-16 unit about to be typed; set to 0, it is not typed
 
   // What the user did, fired by the view (or a test).
   void GotFocus();
   void LostFocus();
   void KeyDown(int key);
+  // Returns what is to be typed, 0 for nothing.
+  int KeyPress(int key);
   bool focused() const noexcept { return focused_; }
 
   // The view that shows this control, null while there is no window. The view outlives its attachment.

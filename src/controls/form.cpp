@@ -37,17 +37,20 @@ Control* Form::Find(const std::string& control_name) const {
   return nullptr;
 }
 
+void Form::Load() {
+  if (loaded_) return;
+  loading_ = true;
+  loaded_ = true;
+  OnLoad();
+  loading_ = false;
+}
+
 void Form::Show() {
   // A request that arrives while the load waits for the database changes nothing: the load shows the form at its end.
   if (loading_) return;
   const std::shared_ptr<Form> alive = shared_from_this();
-  if (!loaded_) {
-    loading_ = true;
-    loaded_ = true;
-    OnLoad();
-    loading_ = false;
-    if (!loaded_) return;
-  }
+  Load();
+  if (!loaded_) return;
   host_.Show(*this);
   visible_ = loaded_;
 }

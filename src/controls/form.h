@@ -59,6 +59,8 @@ class Form : public std::enable_shared_from_this<Form> {
   // True once the load has ended and the form is on the screen; false while it fills itself.
   bool visible() const noexcept { return visible_; }
 
+  // Loads the form if it is not loaded, and leaves it hidden.
+  void Load();
   // Loads the form if it is not loaded, and shows it or brings it to the front.
   void Show();
   // Runs the unload procedure; unless it cancels, the window goes. Returns whether the form is unloaded now.

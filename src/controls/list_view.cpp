@@ -1,5 +1,10 @@
 #include "controls/list_view.h"
 
+#include <algorithm>
+#include <numeric>
+#include <optional>
+
+#include "base/convert.h"
 #include "base/error.h"
 #include "base/text.h"
 
@@ -8,6 +13,29 @@ namespace {
 
 [[noreturn]] void RaiseNoSuchRow() {
   throw base::Error(base::error_number::kInvalidCall, "Invalid procedure call or argument");
+}
+
+// What a cell is compared by; a number or a date that cannot be read comes before all that can.
+struct SortKey {
+  std::optional<double> number;
+  std::string text;
+  bool operator<(const SortKey& other) const {
+    return number != other.number ? number < other.number : text < other.text;
+  }
+};
+
+SortKey KeyOf(const std::string& cell, SortAs kind, const base::Locale& locale) {
+  switch (kind) {
+    case SortAs::kNumber:
+      return {base::ParseNumber(cell, locale), {}};
+    case SortAs::kDate: {
+      const std::optional<base::Date> date = base::ParseDate(cell, locale);
+      return {date ? std::optional(date->days) : std::nullopt, {}};
+    }
+    case SortAs::kText:
+      break;
+  }
+  return {std::nullopt, base::SortKey(cell)};
 }
 
 }  // namespace
@@ -27,7 +55,7 @@ void ListView::Clear() {
 
 ListItem& ListView::Add(std::string key, std::string text) {
   if (!positions_.emplace(key, items_.size()).second) RaiseNoSuchRow();
-  items_.push_back({std::move(key), std::move(text), {}, 0, false});
+  items_.push_back({.key = std::move(key), .text = std::move(text), .sub_items = {}});
   RowsChanged();
   return items_.back();
 }
@@ -70,6 +98,60 @@ void ListView::Select(int index) {
   Changed(Aspect::kSelection);
 }
 
+std::vector<int> ListView::MarkedRows() const {
+  std::vector<int> rows;
+  if (!multi_select) {
+    if (selected_ >= 0) rows.push_back(selected_);
+    return rows;
+  }
+  for (int i = 0; i < Count(); ++i) {
+    if (items_[static_cast<std::size_t>(i)].marked) rows.push_back(i);
+  }
+  return rows;
+}
+
+void ListView::MarkAll() {
+  Marked(0, Count() - 1, true);
+  Changed(Aspect::kSelection);
+}
+
+std::string ListView::MarkedText() const {
+  std::string text;
+  for (const int row : MarkedRows()) {
+    for (int column = 0; column < static_cast<int>(columns_.size()); ++column) {
+      if (column > 0) text += '\t';
+      text += Cell(row, column);
+    }
+    text += "\r\n";
+  }
+  return text;
+}
+
+void ListView::Sort(const ListSort& sort, const base::Locale& locale) {
+  sort_ = sort;
+  if (sort.column < 0 || sort.column >= static_cast<int>(columns_.size()) || items_.empty()) return;
+  const std::string selected_key = selected_ >= 0 ? At(selected_).key : std::string();
+
+  std::vector<SortKey> keys;
+  keys.reserve(items_.size());
+  for (int i = 0; i < Count(); ++i) {
+    keys.push_back(KeyOf(Cell(i, sort.column), columns_[static_cast<std::size_t>(sort.column)].sort_as, locale));
+  }
+  std::vector<std::size_t> order(items_.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+    return sort.descending ? keys[b] < keys[a] : keys[a] < keys[b];
+  });
+
+  std::vector<ListItem> sorted;
+  sorted.reserve(items_.size());
+  for (const std::size_t index : order) sorted.push_back(std::move(items_[index]));
+  items_ = std::move(sorted);
+  for (std::size_t i = 0; i < items_.size(); ++i) positions_[items_[i].key] = i;
+  RowsChanged();
+  if (!selected_key.empty()) Select(static_cast<int>(positions_[selected_key]));
+}
+
 void ListView::Clicked(int index) {
   selected_ = index >= 0 && index < Count() ? index : -1;
   if (on_item_click) on_item_click();
@@ -85,6 +167,19 @@ void ListView::ContextMenu() {
 
 void ListView::Checked(int index, bool checked) {
   At(index).checked = checked;
+  if (on_item_check) on_item_check();
+}
+
+void ListView::Marked(int first, int last, bool marked) {
+  for (int i = std::max(first, 0); i <= last && i < Count(); ++i) items_[static_cast<std::size_t>(i)].marked = marked;
+}
+
+void ListView::ColumnClicked(int column) {
+  if (sortable && on_column_click) on_column_click(column);
+}
+
+void ListView::Copy() {
+  if (on_copy) on_copy();
 }
 
 }  // namespace quenta::controls

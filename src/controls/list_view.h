@@ -4,14 +4,26 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/locale.h"
 #include "controls/control.h"
 
 namespace quenta::controls {
+
+// How the cells of a column compare when the list is sorted by it.
+enum class SortAs { kText, kNumber, kDate };
 
 struct ListColumn {
   std::string caption;
   int width = 100;  // in 1/96 inch, before the user has changed it
   bool right_aligned = false;
+  SortAs sort_as = SortAs::kText;
+};
+
+// The order that the user has chosen for a list's rows; column -1 is the order in which they were added.
+struct ListSort {
+  int column = -1;
+  bool descending = false;
+  bool operator==(const ListSort&) const = default;
 };
 
 struct ListItem {
@@ -20,6 +32,7 @@ struct ListItem {
   std::vector<std::string> sub_items;  // position 1 is sub_items[0]; those beyond the columns are a hidden store
   int small_icon = 0;                  // image of the list's image list, from 1; 0 is none
   bool checked = false;
+  bool marked = false;  // part of the selection of a list in which many rows can be selected
 };
 
 class ListView final : public Control {
@@ -32,6 +45,10 @@ class ListView final : public Control {
 
   const std::vector<ListColumn>& columns() const noexcept { return columns_; }
   bool check_boxes() const noexcept { return check_boxes_; }
+
+  // Properties of the list's design, set before there is a window.
+  bool multi_select = false;  // many rows can be marked at once
+  bool sortable = false;      // a click on a column's header sorts; the view remembers the order for each user
 
   int Count() const noexcept { return static_cast<int>(items_.size()); }
   void Clear();
@@ -66,13 +83,33 @@ class ListView final : public Control {
   // Selects the row (-1: none) and scrolls it into view.
   void Select(int index);
 
-  std::function<void()> on_item_click;     // the user chose another row, or clicked the one chosen
-  std::function<void()> on_item_activate;  // double click or Enter
-  std::function<void()> on_context_menu;   // right click, menu key or Shift+F10
+  // Rows of a list with multi_select that the user has marked, by position in the list's order. In other lists, the
+  // selected row.
+  std::vector<int> MarkedRows() const;
+  void MarkAll();
+  // The marked rows as text, cells separated by tabs and rows by line ends, the visible columns only.
+  std::string MarkedText() const;
+
+  const ListSort& sort() const noexcept { return sort_; }
+  // Puts the rows into this order, rows that compare equal staying as they are; the selection goes with its row. The
+  // cells of number and date columns are read in the user's notation; those that are neither come first.
+  void Sort(const ListSort& sort, const base::Locale& locale);
+  // The order is to be this one from now on; rows that are there already stay. For the view that remembers it.
+  void RestoreSort(const ListSort& sort) { sort_ = sort; }
+
+  std::function<void(int column)> on_column_click;  // the user clicked a column's header
+  std::function<void()> on_copy;                    // Ctrl+C
+  std::function<void()> on_item_check;              // the user set or cleared a check box
+  std::function<void()> on_item_click;              // the user chose another row, or clicked the one chosen
+  std::function<void()> on_item_activate;           // double click or Enter
+  std::function<void()> on_context_menu;            // right click, menu key or Shift+F10
   void Clicked(int index);
   void Activated();
   void ContextMenu();
   void Checked(int index, bool checked);
+  void Marked(int first, int last, bool marked);  // positions, both included
+  void ColumnClicked(int column);
+  void Copy();
 
  private:
   void RowsChanged() noexcept {
@@ -84,6 +121,7 @@ class ListView final : public Control {
   std::vector<ListItem> items_;
   std::unordered_map<std::string, std::size_t> positions_;
   int selected_ = -1;
+  ListSort sort_;
   int updating_ = 0;
 };
 

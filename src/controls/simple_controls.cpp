@@ -1,5 +1,7 @@
 #include "controls/simple_controls.h"
 
+#include <algorithm>
+
 #include "base/date.h"
 #include "base/format.h"
 #include "base/text.h"
@@ -68,6 +70,16 @@ void MaskEdit::Typed(std::string text) {
 
 void CommandButton::Clicked() {
   if (enabled() && on_click) on_click();
+}
+
+std::string ProgressBar::Describe() const {
+  return base::DecimalText(value_) + " of " + base::DecimalText(maximum_);
+}
+
+void ProgressBar::SetProgress(int value, int maximum) {
+  maximum_ = std::max(maximum, 1);
+  value_ = std::clamp(value, 0, maximum_);
+  Changed(Aspect::kValue);
 }
 
 }  // namespace quenta::controls

@@ -1,4 +1,4 @@
-// The small controls: label, check box, option button, date picker, masked edit, command button.
+// The small controls: label, check box, option button, date picker, masked edit, command button, progress bar.
 #pragma once
 
 #include "base/value.h"
@@ -119,6 +119,24 @@ class CommandButton final : public Control {
   std::string caption_;
   bool is_default_;
   bool is_cancel_;
+};
+
+// How much of a task is done.
+class ProgressBar final : public Control {
+ public:
+  using Control::Control;
+
+  ControlKind kind() const noexcept override { return ControlKind::kProgressBar; }
+  std::string Describe() const override;
+
+  int value() const noexcept { return value_; }
+  int maximum() const noexcept { return maximum_; }
+  // Steps done, of how many; kept between 0 and the maximum.
+  void SetProgress(int value, int maximum);
+
+ private:
+  int value_ = 0;
+  int maximum_ = 1;
 };
 
 }  // namespace quenta::controls

@@ -152,7 +152,7 @@ bool Registry::DefinirValorShadow(const std::string& key_path, const std::string
     placed = placed || matches;
   }
   if (!placed) rewritten += base::ToAnsi(entry) + "\r\n";
-  ports_.settings.ReplaceFile(path, ShadowFolder() + "RegShadow.tmp", rewritten);
+  ports_.settings.ReplaceContents(path, ShadowFolder() + "RegShadow.tmp", rewritten);
   return true;
 }
 

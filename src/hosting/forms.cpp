@@ -2,9 +2,31 @@
 
 #include <algorithm>
 
+#include "hosting/frm_main_childs.h"
+
 namespace quenta::hosting {
 
+Forms::Forms(ports::FormHost& host) : host_(host) {}
+
+Forms::~Forms() = default;
+
+void Forms::Add(controls::Form& form) {
+  if (std::find(forms_.begin(), forms_.end(), &form) != forms_.end()) return;
+  forms_.push_back(&form);
+  if (main_childs_ == nullptr || !main_childs_->loaded()) {
+    main_childs_ = std::make_shared<frmMainChilds>(host_, *this);
+    main_childs_->Load();
+  }
+  main_childs_->Killme.set_enabled(false);
+}
+
+void Forms::Remove(controls::Form& form) noexcept {
+  std::erase(forms_, &form);
+  if (forms_.empty() && main_childs_ != nullptr && main_childs_->loaded()) main_childs_->Killme.set_enabled(true);
+}
+
 ExclusiveUse::ExclusiveUse(Forms& forms, controls::Form& user) : forms_(forms) {
+  ++forms_.exclusive_uses_;
   for (controls::Form* form : forms_.all()) {
     if (form == &user || !form->enabled()) continue;
     form->set_enabled(false);
@@ -17,6 +39,7 @@ ExclusiveUse::~ExclusiveUse() {
   for (controls::Form* form : disabled_) {
     if (std::find(loaded.begin(), loaded.end(), form) != loaded.end()) form->set_enabled(true);
   }
+  --forms_.exclusive_uses_;
 }
 
 }  // namespace quenta::hosting

@@ -1,24 +1,45 @@
-// The loaded forms of the component, in the order of their creation.
+// The loaded forms of the component, in the order of their creation, and who may use them.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "controls/form.h"
 
 namespace quenta::hosting {
 
+class frmMainChilds;
+
 class Forms {
  public:
-  void Add(controls::Form& form) { forms_.push_back(&form); }
-  void Remove(controls::Form& form) noexcept { std::erase(forms_, &form); }
+  explicit Forms(ports::FormHost& host);
+  ~Forms();
+  Forms(const Forms&) = delete;
+  Forms& operator=(const Forms&) = delete;
+
+  // A form has loaded; the first one brings the hidden form into being. Nothing happens when it is there already.
+  void Add(controls::Form& form);
+  // A form has closed; after the last one the hidden form closes itself.
+  void Remove(controls::Form& form) noexcept;
   const std::vector<controls::Form*>& all() const noexcept { return forms_; }
 
+  // The hidden form; null while there is no user interface.
+  const std::shared_ptr<frmMainChilds>& main_childs() const noexcept { return main_childs_; }
+
+  // True while an ExclusiveUse lives.
+  bool in_exclusive_use() const noexcept { return exclusive_uses_ > 0; }
+
  private:
+  friend class ExclusiveUse;
+
+  ports::FormHost& host_;
   std::vector<controls::Form*> forms_;
+  std::shared_ptr<frmMainChilds> main_childs_;
+  int exclusive_uses_ = 0;
 };
 
-// While one lives, the component's other forms take no input: an operation has a transaction open, and a question that
-// is asked inside it lets the user reach them.
+// While one lives, the component's other forms take no input, and record operations and timers wait: an operation has a
+// transaction open or runs for long, and what it asks or shows meanwhile lets the user reach them.
 class ExclusiveUse {
  public:
   ExclusiveUse(Forms& forms, controls::Form& user);

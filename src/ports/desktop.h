@@ -1,6 +1,7 @@
 // Questions to the user, documents to open, and waits during which the host goes on living.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace quenta::controls {
@@ -22,6 +23,14 @@ struct Message {
   bool system_modal = false;
 };
 
+// A file to be written, as the user is asked for it.
+struct FileToSave {
+  std::string title;
+  std::string name;       // proposed, without a folder
+  std::string type_name;  // "Ficheiros CSV"
+  std::string extension;  // "csv"; added where the user leaves it out
+};
+
 class Desktop {
  public:
   virtual ~Desktop() = default;
@@ -33,6 +42,12 @@ class Desktop {
 
   // Opens the file with its program by the verb "open". False when that failed.
   virtual bool OpenDocument(const std::string& path, const std::string& working_folder, controls::Form* over) = 0;
+
+  // Asks where to save; an existing file only after a warning. Nothing when the user gave up.
+  virtual std::optional<std::string> AskFileToSave(const FileToSave& file, controls::Form* over) = 0;
+
+  // Puts a text on the clipboard. False when another program holds it.
+  virtual bool CopyText(const std::string& text) = 0;
 
   // Lets the host process its messages and sleeps a moment at most. False once the host is quitting: a wait that polls
   // must then end.

@@ -7,6 +7,15 @@ class Form;  // handed through as a name; a port never looks inside
 
 namespace quenta::ports {
 
+// Who is told that a timer's interval has passed.
+class TimerTarget {
+ public:
+  virtual void OnTimer() noexcept = 0;
+
+ protected:
+  ~TimerTarget() = default;
+};
+
 class FormHost {
  public:
   virtual ~FormHost() = default;
@@ -24,6 +33,15 @@ class FormHost {
 
   // Puts the keyboard focus into the form's control of this name, on whatever tab page it stands.
   virtual void Focus(controls::Form& form, const char* control_name) = 0;
+
+  // Shows the entries below the form's menu of this name, at the pointer or beside the focused control when a key asked
+  // for it, and runs what the user chooses. Nothing happens when the form has no window or no such menu.
+  virtual void PopupMenu(controls::Form& form, const char* menu_name) = 0;
+
+  // Tells the target from the message loop each time the interval has passed, until it is stopped. Started again, the
+  // interval begins anew. A target that runs keeps the library loaded; it must be stopped before it dies.
+  virtual void StartTimer(TimerTarget& target, int milliseconds) = 0;
+  virtual void StopTimer(TimerTarget& target) noexcept = 0;
 };
 
 }  // namespace quenta::ports

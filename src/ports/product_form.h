@@ -39,6 +39,8 @@ class ProductForms {
   virtual ~ProductForms() = default;
   // A new form that is not loaded.
   virtual std::shared_ptr<ProductForm> Create() = 0;
+  // True while an operation of a form must not be disturbed: a question that it asks lets the host go on meanwhile.
+  virtual bool Busy() const = 0;
 };
 
 }  // namespace quenta::ports

@@ -28,12 +28,18 @@ class Settings {
   // backslash; empty when there is none.
   virtual std::string SpecialFolder(int number) = 0;
   virtual std::string TempFolder() = 0;
+  // The folder that the component was installed in, without a trailing backslash.
+  virtual std::string InstallationFolder() = 0;
 
   // The whole file as bytes; nothing when it does not exist or cannot be opened.
   virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
   // Puts new content in place of an existing file by way of a work file beside it: the old file stays whole, with its
   // permissions, until the new one is. False when the file does not exist or cannot be replaced.
-  virtual bool ReplaceFile(const std::string& path, const std::string& work_path, const std::string& bytes) = 0;
+  virtual bool ReplaceContents(const std::string& path, const std::string& work_path, const std::string& bytes) = 0;
+
+  // Writes a file whole, in place of any other. Error 70 when it is open elsewhere or must not be written, 76 when its
+  // folder is missing, 61 when the disk is full, 57 for whatever else the system says.
+  virtual void WriteFile(const std::string& path, const std::string& bytes) = 0;
 
   virtual base::Locale UserLocale() = 0;
 };

@@ -66,7 +66,7 @@ std::vector<controls::TabStrip::Tab> Tabs() {
 
 }  // namespace
 
-frmMain::frmMain(session::Session& session, ports::FormHost& host, hosting::Forms& forms)
+frmMain::frmMain(session::Session& session, ports::FormHost& host, hosting::Forms& forms, MakeGenerator make_generator)
     : Form(host, "frmMain"),
       ListView2("ListView2", PriceColumns()),
       ListView1("ListView1", StockColumns()),
@@ -77,7 +77,8 @@ frmMain::frmMain(session::Session& session, ports::FormHost& host, hosting::Form
       Toolbar3("Toolbar3", HistoryButtons()),
       TabStrip1("TabStrip1", Tabs()),
       session_(session),
-      forms_(forms) {
+      forms_(forms),
+      make_generator_(make_generator) {
   set_caption("Ficha de Produto");
   AddControls();
   LayOut();
@@ -102,6 +103,7 @@ void frmMain::OnLoad() {
 
 // The form and its General refer to each other; here the form lets go of it and of the host's objects.
 void frmMain::OnClosed() noexcept {
+  forms_.Remove(*this);
   request_ = {};
 }
 
@@ -119,7 +121,7 @@ std::string frmMain::Sql(const controls::Control& control, int code) {
 }
 
 std::shared_ptr<ports::ProductForm> ProductForms::Create() {
-  return std::make_shared<frmMain>(session_, form_host_, forms_);
+  return std::make_shared<frmMain>(session_, form_host_, forms_, make_generator_);
 }
 
 }  // namespace quenta::product

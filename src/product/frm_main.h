@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -20,10 +21,17 @@
 
 namespace quenta::product {
 
+class frmMain;
+
+// Makes the form that generates dependants of the product that the opener shows.
+using MakeGenerator = std::shared_ptr<controls::Form> (*)(session::Session& session, ports::FormHost& host,
+                                                          hosting::Forms& forms, const std::shared_ptr<frmMain>& opener,
+                                                          std::int32_t produto_id);
+
 class frmMain final : public controls::Form, public ports::ProductForm {
  public:
   // The session, the host and the collection of loaded forms outlive the form.
-  frmMain(session::Session& session, ports::FormHost& host, hosting::Forms& forms);
+  frmMain(session::Session& session, ports::FormHost& host, hosting::Forms& forms, MakeGenerator make_generator);
 
   // ports::ProductForm
   bool IsLoaded() const override { return loaded(); }
@@ -60,12 +68,34 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void FillIsencaoIVA();
   // Fills the stock list. (stocks.cpp)
   void Fill_Stocks();
+  // Opens the minimums of the selected warehouse; this form is disabled until that one closes. (stocks.cpp)
+  void mnStocksPropriedades_Click();
 
   // Fills the history with the lines of a source in the chosen period: 1 sales, 2 purchases, 3 customer orders,
   // 4 supplier orders. (history.cpp)
   void Fill_Track(int mode);
   // Fills the list of dependent products. (dependants.cpp)
   void Fill_Dependentes();
+
+  // Copies the product into a new one, which the form then shows. (duplicating.cpp)
+  void Duplicar();
+  // Deletes the product softly and closes the form. (deleting.cpp)
+  void Apagar();
+  // The form can be used again: a dialog that had disabled it has closed. The arguments are the suite's, and ignored.
+  // (deleting.cpp)
+  void Reactivate(std::int32_t number, controls::Form& caller);
+
+  // Writes the product's report from a template of the templates folder; an empty output path becomes a file in the
+  // temporary folder. Returns the path, empty when the report failed. (report.cpp)
+  std::string DoReport(std::string& output_path, const std::string& template_name);
+  // Writes and opens labels. The argument is the suite's, and ignored. (labels.cpp)
+  void ConstructDoc(const std::string& argument);
+
+  // The toolbars' commands by key. (commands.cpp, dependants.cpp, report.cpp)
+  void Toolbar1_ButtonClick(const std::string& key);
+  void Toolbar1_ButtonMenuClick(const std::string& key);
+  void Toolbar2_ButtonClick(const std::string& key);
+  void Toolbar3_ButtonClick(const std::string& key);
 
   // Key of the price line that the entry fields show; empty while none is shown.
   std::string PrecoKey;
@@ -170,7 +200,11 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // frm_main_layout.cpp
   void AddControls();
   void LayOut();
+
+  // commands.cpp
   void AddCommands();
+  void AddMenus();
+  void AddShortcuts();
 
   // lookups.cpp
   void FillLookups();
@@ -242,6 +276,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
 
   session::Session& session_;
   hosting::Forms& forms_;
+  MakeGenerator make_generator_;
   ports::ProductRequest request_;
   std::int32_t produto_id_ = 0;  // 0 until a product is loaded or created
   bool new_product_ = false;     // the product was created in this form and not saved yet

@@ -1,4 +1,4 @@
-// Where the product form's controls stand, and which commands and shortcuts it has.
+// Where the product form's controls stand.
 #include "product/frm_main.h"
 
 #include <initializer_list>
@@ -146,25 +146,6 @@ void frmMain::LayOut() {
   layout_.minimum_height = 600;
   layout_.initial_width = 940;
   layout_.initial_height = 720;
-}
-
-void frmMain::AddCommands() {
-  Toolbar1.on_button_click = [this](const std::string& key) {
-    if (key == "sair") Unload();
-    if (key == "gravar") Gravar();
-  };
-  TabStrip1.on_click = [this] { TabStrip1_Click(); };
-  FXData_Inicio.on_change = [this] { ShowHistoryOf(TabStrip1.selected_key()); };
-  FXData_Fim.on_change = [this] { ShowHistoryOf(TabStrip1.selected_key()); };
-  menus_ = {{.name = "mnFicheiro",
-             .caption = "F&icheiro",
-             .items = {{.name = "mnGravar",
-                        .caption = "&Gravar",
-                        .shortcut = "Ctrl+S",
-                        .on_click = [this] { Toolbar1.Clicked("gravar"); }},
-                       {},
-                       {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}}};
-  shortcuts_ = {{.key = 'S', .control = true, .run = [this] { Toolbar1.Clicked("gravar"); }}};
 }
 
 }  // namespace quenta::product

@@ -7,19 +7,23 @@
 #include "hosting/forms.h"
 #include "ports/form_host.h"
 #include "ports/product_form.h"
+#include "product/frm_main.h"
 
 namespace quenta::product {
 
 class ProductForms final : public ports::ProductForms {
  public:
-  ProductForms(session::Session& session, ports::FormHost& form_host) : session_(session), form_host_(form_host) {}
+  ProductForms(session::Session& session, ports::FormHost& form_host, MakeGenerator make_generator = nullptr)
+      : session_(session), form_host_(form_host), forms_(form_host), make_generator_(make_generator) {}
 
   std::shared_ptr<ports::ProductForm> Create() override;
+  bool Busy() const override { return forms_.in_exclusive_use(); }
 
  private:
   session::Session& session_;
   ports::FormHost& form_host_;
   hosting::Forms forms_;
+  MakeGenerator make_generator_;
 };
 
 }  // namespace quenta::product

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -49,20 +50,28 @@ class FakeSettings final : public ports::Settings {
   }
   std::string SpecialFolder(int number) override { return number == 35 ? "C:\\ProgramData" : ""; }
   std::string TempFolder() override { return "C:\\Temp"; }
+  std::string InstallationFolder() override { return "C:\\Quenta"; }
   std::optional<std::string> ReadFile(const std::string& path) override {
     const auto found = files.find(path);
     return found == files.end() ? std::nullopt : std::optional(found->second);
   }
-  bool ReplaceFile(const std::string& path, const std::string&, const std::string& bytes) override {
+  bool ReplaceContents(const std::string& path, const std::string&, const std::string& bytes) override {
     if (files.find(path) == files.end()) return false;
     files[path] = bytes;
     return true;
+  }
+  void WriteFile(const std::string& path, const std::string& bytes) override {
+    if (const auto error = write_errors.find(path); error != write_errors.end()) {
+      throw base::Error(error->second, "Cannot write.");
+    }
+    files[path] = bytes;
   }
   base::Locale UserLocale() override { return locale; }
 
   std::map<std::string, std::string> registry;
   std::map<std::string, std::vector<std::string>> subkeys;
   std::map<std::string, std::string> files;
+  std::map<std::string, std::int32_t> write_errors;  // numbers of the errors that writing these paths ends with
   base::Locale locale = PortugueseLocale();
 };
 
@@ -78,6 +87,14 @@ class FakeDesktop final : public ports::Desktop {
     opened.push_back(path);
     return true;
   }
+  std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form*) override {
+    asked_files.push_back(file);
+    return file_to_save;
+  }
+  bool CopyText(const std::string& text) override {
+    copied = text;
+    return true;
+  }
   bool Breathe() override {
     ++breaths;
     std::this_thread::sleep_for(breath);
@@ -88,6 +105,9 @@ class FakeDesktop final : public ports::Desktop {
   ports::Answer answer = ports::Answer::kOk;
   std::vector<ports::Message> messages;
   std::vector<std::string> opened;
+  std::vector<ports::FileToSave> asked_files;
+  std::optional<std::string> file_to_save;  // what the user answers
+  std::string copied;
   int breaths = 0;
   int quits_after = 1000;              // breaths until the host is quitting
   std::chrono::milliseconds breath{};  // how long one takes; none where time is not real
@@ -102,10 +122,22 @@ class FakeFormHost final : public ports::FormHost {
   void Close(controls::Form& form) override { shown.erase(&form); }
   void SetTopmost(controls::Form&, bool topmost) override { window_order.push_back(topmost); }
   void Focus(controls::Form&, const char* control_name) override { focused = control_name; }
+  void PopupMenu(controls::Form&, const char* menu_name) override { popped_up.emplace_back(menu_name); }
+  void StartTimer(ports::TimerTarget& target, int) override { timers.insert(&target); }
+  void StopTimer(ports::TimerTarget& target) noexcept override { timers.erase(&target); }
+
+  // Lets the interval of every timer pass once.
+  void PassTime() {
+    for (ports::TimerTarget* target : std::set<ports::TimerTarget*>(timers)) {
+      if (timers.count(target) > 0) target->OnTimer();
+    }
+  }
 
   std::map<controls::Form*, std::shared_ptr<controls::Form>> shown;
   std::vector<bool> window_order;
   std::string focused;
+  std::vector<std::string> popped_up;
+  std::set<ports::TimerTarget*> timers;
 };
 
 // How a server of FakeDatabase behaves when a connection to it is opened.

@@ -52,7 +52,7 @@ class SampleComponentTest : public ::testing::Test {
   FakeFormHost form_host;
   session::Session session{{database, settings, desktop, reporting}};
   product::ProductForms product_forms{session, form_host};
-  component::Component component{session, product_forms};
+  component::Component component{session, product_forms, form_host};
 
  private:
   std::unique_ptr<ports::Connection> other_;

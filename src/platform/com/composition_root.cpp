@@ -16,9 +16,10 @@ class ShippedComposition final : public Composition {
  public:
   component::Component& Component() noexcept override { return component_; }
 
-  bool Busy() const noexcept override { return form_host_.OpenForms() > 0; }
+  bool Busy() const noexcept override { return form_host_.OpenForms() > 0 || form_host_.TimersRun(); }
 
   void End() noexcept override {
+    component_.DropRequests();
     // The forms first: what they have open in the database they roll back while there still is a connection.
     form_host_.CloseAll();
     session_.ReleaseConnection();
@@ -33,7 +34,7 @@ class ShippedComposition final : public Composition {
   AutomationErrorReporting error_reporting_{[this](controls::Form& form) { return form_host_.WindowOf(form); }};
   session::Session session_{{database_, settings_, desktop_, error_reporting_}};
   product::ProductForms product_forms_{session_, form_host_};
-  component::Component component_{session_, product_forms_};
+  component::Component component_{session_, product_forms_, form_host_};
 };
 
 }  // namespace

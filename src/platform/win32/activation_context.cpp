@@ -61,7 +61,8 @@ CommonControls::CommonControls(const ActivationContext& context) {
   LookUp(library_.get(), "ImageList_Destroy", ImageList_Destroy);
   LookUp(library_.get(), "ImageList_Add", ImageList_Add);
   const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES |
-                                                          ICC_LISTVIEW_CLASSES | ICC_TAB_CLASSES | ICC_BAR_CLASSES};
+                                                          ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS | ICC_TAB_CLASSES |
+                                                          ICC_BAR_CLASSES};
   initialize(&classes);
 }
 

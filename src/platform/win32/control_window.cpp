@@ -11,7 +11,7 @@ using controls::ControlKind;
 constexpr UINT_PTR kSubclassId = 1;
 
 bool CanHaveFocus(ControlKind kind) {
-  return kind != ControlKind::kLabel && kind != ControlKind::kFrame;
+  return kind != ControlKind::kLabel && kind != ControlKind::kFrame && kind != ControlKind::kProgressBar;
 }
 
 }  // namespace
@@ -90,6 +90,8 @@ std::unique_ptr<ControlWindow> MakeControlWindow(ControlOwner& owner, controls::
       return MakeDateWindow(owner, model);
     case ControlKind::kLabel:
       return MakeLabelWindow(owner, model);
+    case ControlKind::kProgressBar:
+      return MakeProgressWindow(owner, model);
     case ControlKind::kListView:
       return MakeListWindow(owner, model);
     case ControlKind::kTabStrip:

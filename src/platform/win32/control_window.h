@@ -141,6 +141,7 @@ std::unique_ptr<ControlWindow> MakeEditWindow(ControlOwner& owner, controls::Con
 std::unique_ptr<ControlWindow> MakeComboWindow(ControlOwner& owner, controls::Control& model);
 std::unique_ptr<ControlWindow> MakeButtonWindow(ControlOwner& owner, controls::Control& model);
 std::unique_ptr<ControlWindow> MakeDateWindow(ControlOwner& owner, controls::Control& model);
+std::unique_ptr<ControlWindow> MakeProgressWindow(ControlOwner& owner, controls::Control& model);
 std::unique_ptr<ControlWindow> MakeLabelWindow(ControlOwner& owner, controls::Control& model);
 std::unique_ptr<ControlWindow> MakeListWindow(ControlOwner& owner, controls::Control& model);
 std::unique_ptr<ControlWindow> MakeTabWindow(ControlOwner& owner, controls::Control& model);

@@ -1,9 +1,11 @@
 #include "platform/win32/desktop.h"
 
+#include <cstring>
 #include <memory>
 
 #include <windows.h>
 
+#include <commdlg.h>
 #include <shellapi.h>
 
 #include "controls/form.h"
@@ -75,6 +77,55 @@ bool Desktop::OpenDocument(const std::string& path, const std::string& working_f
                                          folder.empty() ? nullptr : folder.c_str(), SW_SHOWNORMAL);
   constexpr INT_PTR kLargestError = 32;
   return reinterpret_cast<INT_PTR>(result) > kLargestError;
+}
+
+std::optional<std::string> Desktop::AskFileToSave(const ports::FileToSave& file, controls::Form* over) {
+  const DpiScope dpi_scope;
+  const ActivationContext::Scope context(context_);
+  const std::shared_ptr<controls::Form> alive = over != nullptr ? over->shared_from_this() : nullptr;
+  const std::wstring extension = Wide(file.extension);
+  std::wstring types = Wide(file.type_name) + L" (*." + extension + L")";
+  types.push_back(L'\0');
+  types += L"*." + extension;
+  types.push_back(L'\0');
+  const std::wstring title = Wide(file.title);
+  std::wstring path = Wide(file.name);
+  constexpr std::size_t kLongestPath = 32768;
+  path.resize(kLongestPath, L'\0');
+  OPENFILENAMEW dialog{};
+  dialog.lStructSize = sizeof(dialog);
+  dialog.hwndOwner = over != nullptr ? forms_.WindowOf(*over) : GetActiveWindow();
+  dialog.lpstrFilter = types.c_str();
+  dialog.lpstrFile = path.data();
+  dialog.nMaxFile = static_cast<DWORD>(path.size());
+  dialog.lpstrTitle = title.c_str();
+  dialog.lpstrDefExt = extension.c_str();
+  // The host's working folder is not ours to change.
+  dialog.Flags = OFN_EXPLORER | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
+  const bool chosen = GetSaveFileNameW(&dialog) != FALSE;
+  if (over != nullptr) forms_.QuestionEnded(*over);
+  if (!chosen) return std::nullopt;
+  return Narrow(path.c_str());
+}
+
+bool Desktop::CopyText(const std::string& text) {
+  const std::wstring wide = Wide(text);
+  const std::size_t size = (wide.size() + 1) * sizeof(wchar_t);
+  if (!OpenClipboard(nullptr)) return false;
+  EmptyClipboard();
+  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+  bool copied = false;
+  if (memory != nullptr) {
+    if (void* const place = GlobalLock(memory)) {
+      std::memcpy(place, wide.c_str(), size);
+      GlobalUnlock(memory);
+      copied = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+    }
+    // The clipboard owns what it has taken.
+    if (!copied) GlobalFree(memory);
+  }
+  CloseClipboard();
+  return copied;
 }
 
 bool Desktop::Breathe() {

@@ -13,6 +13,8 @@ class Desktop final : public ports::Desktop {
 
   ports::Answer Ask(const ports::Message& message, controls::Form* over) override;
   bool OpenDocument(const std::string& path, const std::string& working_folder, controls::Form* over) override;
+  std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form* over) override;
+  bool CopyText(const std::string& text) override;
   bool Breathe() override;
 
  private:

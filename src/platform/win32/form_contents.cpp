@@ -273,7 +273,10 @@ void FormWindow::ClearOtherOptions(const ControlWindow& chosen) noexcept {
 void FormWindow::FocusFirst() noexcept {
   for (const auto& control : controls_) {
     const ControlKind kind = control->model().kind();
-    if (kind == ControlKind::kToolbar || kind == ControlKind::kLabel || kind == ControlKind::kFrame) continue;
+    if (kind == ControlKind::kToolbar || kind == ControlKind::kLabel || kind == ControlKind::kFrame ||
+        kind == ControlKind::kProgressBar) {
+      continue;
+    }
     if (!IsWindowVisible(control->window()) || !IsWindowEnabled(control->window())) continue;
     SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control->window()), TRUE);
     return;

@@ -106,6 +106,7 @@ void FormHost::CloseAll() noexcept {
     window->Destroy();
     std::erase(windows_, window);
   }
+  timers_.StopAll();
 }
 
 HWND FormHost::WindowOf(const controls::Form& form) const noexcept {

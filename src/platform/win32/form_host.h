@@ -9,6 +9,7 @@
 
 #include "controls/commands.h"
 #include "controls/form.h"
+#include "platform/win32/timers.h"
 #include "platform/win32/window_memory_file.h"
 #include "ports/form_host.h"
 
@@ -31,13 +32,16 @@ class FormHost final : public ports::FormHost {
   void SetTopmost(controls::Form& form, bool topmost) override;
   void Focus(controls::Form& form, const char* control_name) override;
 
-  // Shows the entries below the menu of this name at the pointer and runs what the user chooses; nothing happens
-  // when the form has no window or no such menu.
-  void PopupMenu(controls::Form& form, const char* menu_name);
+  void PopupMenu(controls::Form& form, const char* menu_name) override;
+  void StartTimer(ports::TimerTarget& target, int milliseconds) override { timers_.Start(target, milliseconds); }
+  void StopTimer(ports::TimerTarget& target) noexcept override { timers_.Stop(target); }
+
+  // Whether a timer runs: the library must stay loaded.
+  bool TimersRun() const noexcept { return !timers_.empty(); }
 
   // Windows that exist, and the keyboard's hook as long as its code may run: the library must stay loaded.
   int OpenForms() const noexcept;
-  // Destroys all windows at once and tells their forms that they are lost.
+  // Destroys all windows at once, tells their forms that they are lost, and stops the timers.
   void CloseAll() noexcept;
 
   // The form's window; null when it has none.
@@ -53,6 +57,7 @@ class FormHost final : public ports::FormHost {
   std::string window_memory_path_;
   std::shared_ptr<WindowServices> services_;  // made with the first form
   std::vector<std::shared_ptr<FormWindow>> windows_;
+  Timers timers_;
 };
 
 }  // namespace quenta::platform

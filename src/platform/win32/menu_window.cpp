@@ -11,6 +11,7 @@ MenuWindow::MenuWindow(const std::vector<controls::MenuItem>& items, Kind kind)
 
 void MenuWindow::Append(HMENU menu, const std::vector<controls::MenuItem>& items) {
   for (const controls::MenuItem& item : items) {
+    if (!item.in_menu_bar) continue;
     if (item.caption.empty()) {
       AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
       continue;

@@ -6,12 +6,12 @@
 
 #include <shlobj.h>
 
+#include "base/error.h"
+#include "base/text.h"
+#include "platform/win32/activation_context.h"
 #include "platform/win32/files.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/wide_text.h"
-
-// Windows' header makes this name a macro; here it is the port's.
-#undef ReplaceFile
 
 namespace quenta::platform {
 namespace {
@@ -123,7 +123,7 @@ std::optional<std::string> Settings::ReadFile(const std::string& path) {
   return ReadWholeFile(Wide(path));
 }
 
-bool Settings::ReplaceFile(const std::string& path, const std::string& work_path, const std::string& bytes) {
+bool Settings::ReplaceContents(const std::string& path, const std::string& work_path, const std::string& bytes) {
   const std::wstring wide_path = Wide(path);
   const std::wstring wide_work_path = Wide(work_path);
   if (GetFileAttributesW(wide_path.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
@@ -134,6 +134,41 @@ bool Settings::ReplaceFile(const std::string& path, const std::string& work_path
   }
   DeleteFileW(wide_work_path.c_str());
   return false;
+}
+
+std::string Settings::InstallationFolder() {
+  std::wstring path(MAX_PATH, L'\0');
+  while (true) {
+    const DWORD length = GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
+    if (length < path.size()) {
+      path.resize(length);
+      break;
+    }
+    path.resize(path.size() * 2);
+  }
+  const std::size_t end = path.rfind(L'\\');
+  return end == std::wstring::npos ? std::string() : Narrow(path.substr(0, end));
+}
+
+void Settings::WriteFile(const std::string& path, const std::string& bytes) {
+  if (WriteWholeFile(Wide(path), bytes)) return;
+  const DWORD reason = GetLastError();
+  switch (reason) {
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+      throw base::Error(base::error_number::kPermissionDenied, "Permission denied: " + path);
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+      throw base::Error(base::error_number::kPathNotFound, "Path not found: " + path);
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      throw base::Error(base::error_number::kDiskFull, "Disk full: " + path);
+    default:
+      throw base::Error(base::error_number::kDeviceError,
+                        "Device error " + base::DecimalText(static_cast<long long>(reason)) + ": " + path);
+  }
 }
 
 base::Locale Settings::UserLocale() {

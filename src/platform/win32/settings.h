@@ -13,8 +13,10 @@ class Settings final : public ports::Settings {
   std::vector<std::string> EnumerateSubkeys(ports::RootKey root, const std::string& subkey) override;
   std::string SpecialFolder(int number) override;
   std::string TempFolder() override;
+  std::string InstallationFolder() override;
   std::optional<std::string> ReadFile(const std::string& path) override;
-  bool ReplaceFile(const std::string& path, const std::string& work_path, const std::string& bytes) override;
+  bool ReplaceContents(const std::string& path, const std::string& work_path, const std::string& bytes) override;
+  void WriteFile(const std::string& path, const std::string& bytes) override;
   base::Locale UserLocale() override;
 };
 

@@ -1,4 +1,4 @@
-// Labels and date pickers.
+// Labels, date pickers and progress bars.
 #include "base/date.h"
 #include "controls/simple_controls.h"
 #include "platform/win32/control_window.h"
@@ -68,7 +68,30 @@ class DateWindow final : public ControlWindow {
   controls::DatePicker& picker_;
 };
 
+class ProgressWindow final : public ControlWindow {
+ public:
+  ProgressWindow(ControlOwner& owner, controls::ProgressBar& bar) : ControlWindow(owner, bar), bar_(bar) {}
+
+  void Create(HWND parent) override {
+    CreateControl(parent, PROGRESS_CLASSW, {}, PBS_SMOOTH);
+    ModelChanged(Aspect::kValue);
+  }
+
+  void ModelChanged(Aspect aspect) override {
+    if (aspect != Aspect::kValue) return;
+    Send(PBM_SETRANGE32, 0, bar_.maximum());
+    Send(PBM_SETPOS, static_cast<WPARAM>(bar_.value()));
+  }
+
+ private:
+  controls::ProgressBar& bar_;
+};
+
 }  // namespace
+
+std::unique_ptr<ControlWindow> MakeProgressWindow(ControlOwner& owner, controls::Control& model) {
+  return std::make_unique<ProgressWindow>(owner, static_cast<controls::ProgressBar&>(model));
+}
 
 std::unique_ptr<ControlWindow> MakeLabelWindow(ControlOwner& owner, controls::Control& model) {
   return std::make_unique<LabelWindow>(owner, static_cast<controls::Label&>(model));

@@ -18,6 +18,7 @@ struct World {
   FakeSettings settings;
   FakeDesktop desktop;
   FakeErrorReporting error_reporting;
+  FakeFormHost form_host;
   std::vector<ports::ProductRequest> requests;  // of all forms that were opened
   int compositions = 0;                         // alive
   int ended = 0;
@@ -40,6 +41,7 @@ class RecordingForms final : public ports::ProductForms {
  public:
   explicit RecordingForms(World& world) : world_(world) {}
   std::shared_ptr<ports::ProductForm> Create() override { return std::make_shared<RecordingForm>(world_); }
+  bool Busy() const override { return false; }
 
  private:
   World& world_;
@@ -51,7 +53,7 @@ class RecordingComposition final : public platform::Composition {
       : world_(world),
         session_({world.database, world.settings, world.desktop, world.error_reporting}),
         forms_(world),
-        component_(session_, forms_) {
+        component_(session_, forms_, world.form_host) {
     ++world_.compositions;
   }
   ~RecordingComposition() override { --world_.compositions; }

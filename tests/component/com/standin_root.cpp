@@ -44,6 +44,7 @@ class WrittenForm final : public ports::ProductForm {
 class WrittenForms final : public ports::ProductForms {
  public:
   std::shared_ptr<ports::ProductForm> Create() override { return std::make_shared<WrittenForm>(); }
+  bool Busy() const override { return false; }
 };
 
 class Standin final : public Composition {
@@ -59,7 +60,7 @@ class Standin final : public Composition {
   tests::World world_;
   session::Session session_;
   WrittenForms forms_;
-  component::Component component_{session_, forms_};
+  component::Component component_{session_, forms_, world_.form_host};
 };
 
 }  // namespace

@@ -8,9 +8,6 @@
 #include "platform/win32/files.h"
 #include "platform/win32/wide_text.h"
 
-// Windows' header makes this name a macro; here it is the port's.
-#undef ReplaceFile
-
 namespace quenta::tests {
 namespace {
 
@@ -73,16 +70,16 @@ TEST_F(SettingsTest, SubkeysAreNamedAndAMissingKeyHasNone) {
 }
 
 TEST_F(SettingsTest, AFileIsReplacedWholeOrNotAtAll) {
-  EXPECT_FALSE(settings_.ReplaceFile(path_, work_path_, "x")) << "it must exist beforehand";
+  EXPECT_FALSE(settings_.ReplaceContents(path_, work_path_, "x")) << "it must exist beforehand";
   EXPECT_FALSE(settings_.ReadFile(work_path_).has_value());
   ASSERT_TRUE(platform::WriteWholeFile(Wide(path_), "before\r\n"));
-  EXPECT_TRUE(settings_.ReplaceFile(path_, work_path_, "after\r\n"));
+  EXPECT_TRUE(settings_.ReplaceContents(path_, work_path_, "after\r\n"));
   EXPECT_EQ(settings_.ReadFile(path_), "after\r\n");
   EXPECT_FALSE(settings_.ReadFile(work_path_).has_value()) << "the work file is gone";
   // Held open by a program that lets nobody write.
   const HANDLE held =
       CreateFileW(Wide(path_).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-  EXPECT_FALSE(settings_.ReplaceFile(path_, work_path_, "later\r\n"));
+  EXPECT_FALSE(settings_.ReplaceContents(path_, work_path_, "later\r\n"));
   EXPECT_EQ(settings_.ReadFile(path_), "after\r\n");
   EXPECT_FALSE(settings_.ReadFile(work_path_).has_value());
   CloseHandle(held);

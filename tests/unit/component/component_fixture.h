@@ -35,6 +35,9 @@ class FakeProductForms final : public ports::ProductForms {
     forms.push_back(std::make_shared<FakeProductForm>());
     return forms.back();
   }
+  bool Busy() const override { return busy; }
+
+  bool busy = false;
   std::vector<std::shared_ptr<FakeProductForm>> forms;
 };
 
@@ -61,8 +64,9 @@ class ComponentTest : public ::testing::Test {
   FakeDesktop desktop;
   FakeErrorReporting reporting;
   FakeProductForms forms;
+  FakeFormHost form_host;
   session::Session session{{database, settings, desktop, reporting}};
-  component::Component component{session, forms};
+  component::Component component{session, forms, form_host};
 };
 
 }  // namespace quenta::tests
