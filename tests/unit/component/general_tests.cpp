@@ -60,6 +60,34 @@ TEST_F(GeneralTest, ALoadedFormKeepsItsProductAndAnotherProductGetsAnotherForm) 
   EXPECT_EQ(forms.forms[1]->request.produto_id, 3);
 }
 
+TEST_F(GeneralTest, RequestsWaitInTheirOrderWhileAFormMustNotBeDisturbed) {
+  session.state().connected = true;
+  General general(component);
+  auto other = std::make_unique<General>(component);
+  forms.busy = true;
+  general.ObjectOpen(1, {});
+  other->ObjectOpen(2, {});
+  general.Registo(3, {});
+  form_host.PassTime();
+  EXPECT_EQ(forms.forms.at(0)->opens, 0);
+
+  other.reset();
+  forms.busy = false;
+  form_host.PassTime();
+  ASSERT_EQ(forms.forms.size(), 3U) << "two to begin with, and one more for the second product";
+  EXPECT_EQ(forms.forms[0]->request.produto_id, 1);
+  EXPECT_EQ(forms.forms[1]->opens, 0) << "its General has gone";
+  EXPECT_EQ(forms.forms[2]->request.produto_id, 3);
+  EXPECT_TRUE(form_host.timers.empty());
+
+  forms.busy = true;
+  general.ObjectOpen(4, {});
+  component.DropRequests();
+  forms.busy = false;
+  form_host.PassTime();
+  EXPECT_EQ(forms.forms.size(), 3U);
+}
+
 TEST_F(GeneralTest, ItsEndReleasesTheFormAndLeavesTheSharedConnectionOpen) {
   {
     General general(component);

@@ -185,16 +185,21 @@ TEST_F(SavingTest, WhileASaveAsksNoOtherFormCanJoinItsTransaction) {
   AddPriceLine(*form, 1, "1", "1", "0,23", "1,23", "", true);
   form->PrecosAltered = true;
   other->FXNome.Typed("Outro");
+  component::General general(component);
   bool asked = false;
   desktop.while_asking = [&] {
     asked = true;
     EXPECT_FALSE(other->enabled());
     EXPECT_FALSE(other->Gravar());
+    general.ObjectOpen(IdOfCode("10002"), {});
   };
   desktop.answer = ports::Answer::kNo;
   EXPECT_TRUE(form->Gravar());
   EXPECT_TRUE(asked);
   EXPECT_TRUE(other->enabled());
+  const std::size_t forms_before = form_host.shown.size();
+  form_host.PassTime();
+  EXPECT_EQ(form_host.shown.size(), forms_before + 1) << "what the host asked for meanwhile is done now";
   desktop.while_asking = nullptr;
   EXPECT_TRUE(other->Gravar());
 }
