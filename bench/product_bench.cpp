@@ -44,7 +44,7 @@ class Bench final : public tests::SampleComponentTest {
     bare_session.state() = session.state();
     bare_session.SharedConnection().SetConnectionString(SharedConnectionString());
     bare_session.SharedConnection().Open();
-    product::ProductForms bare_forms(bare_session, form_host);
+    product::ProductForms bare_forms(bare_session, form_host, &generator::MakeGenerator);
     const auto open = [&] {
       const auto opened = std::static_pointer_cast<product::frmMain>(bare_forms.Create());
       opened->Open({.produto_id = id});

@@ -19,6 +19,7 @@ if [[ ${1:-run} = test ]]; then
   packages+=(
     g++-mingw-w64-i686-posix                                     # 32 bits are compiled and checked, not run
     clang-format-14 clang-tidy-14 shellcheck
+    libreoffice-writer-nogui poppler-utils zbar-tools            # to show the documents and to read their pages
   )
 fi
 

@@ -36,9 +36,11 @@ build_sandbox() {
 # and where they were made.
 catalogue_is_ready() { [[ $(cat "$SANDBOX/catalogo.ready" 2>/dev/null) = "$BUILD" ]]; }
 remove_catalogue() { rm -f "$SANDBOX/catalogo.ready" "$DATABASE" "$DATABASE"-wal "$DATABASE"-shm; }
+CATALOGUE_OPTIONS=() # further ones of the tool
 make_catalogue() {
   remove_catalogue &&
-    "$CATALOGUE_TOOL" --database "$DATABASE" --odbc-ini "$SANDBOX/odbc.ini" --data-source "$DATA_SOURCE" &&
+    "$CATALOGUE_TOOL" --database "$DATABASE" --odbc-ini "$SANDBOX/odbc.ini" --data-source "$DATA_SOURCE" \
+      "${CATALOGUE_OPTIONS[@]}" &&
     printf '%s\n' "$BUILD" >"$SANDBOX/catalogo.ready"
 }
 

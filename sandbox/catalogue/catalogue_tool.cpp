@@ -62,7 +62,7 @@ Modules ParseModules(std::string_view text) {
 Arguments ParseArguments(int count, char** texts) {
   Arguments arguments;
   arguments.options.today = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
-  arguments.files.file.extension = QUENTA_SQLITE_EXTENSION;
+  arguments.files.file.extension = sandbox::BuiltExtension();
   for (int i = 1; i < count; ++i) {
     const std::string_view option = texts[i];
     const auto value = [&]() -> std::string {

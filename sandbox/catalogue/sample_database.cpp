@@ -6,6 +6,10 @@
 
 namespace quenta::sandbox {
 
+std::string BuiltExtension() {
+  return QUENTA_SQLITE_EXTENSION;
+}
+
 void MakeSampleDatabase(const SampleFiles& files, const CatalogueOptions& options) {
   std::vector<DataSource> sources;
   for (const std::string& name : files.data_sources) sources.push_back({name, files.file});

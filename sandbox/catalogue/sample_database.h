@@ -18,6 +18,9 @@ struct SampleFiles {
   std::string initial_catalogue = "Amostra";
 };
 
+// The SQLite extension that was built beside this library.
+std::string BuiltExtension();
+
 // Points this process to the data sources, through the environment. What failed is thrown as base::Error or, when it is
 // the catalogue's own texts, as std::runtime_error; the files that were made so far are then left.
 void MakeSampleDatabase(const SampleFiles& files, const CatalogueOptions& options);

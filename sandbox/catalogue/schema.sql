@@ -203,7 +203,7 @@ GO
 CREATE INDEX IX_tbProdutos_codigo ON tbProdutos (codigo)
 GO
 
-CREATE INDEX IX_tbProdutos_main_id ON tbProdutos (main_id)
+CREATE INDEX IX_tbProdutos_main_id ON tbProdutos (main_id, cor, tamanho)
 GO
 
 CREATE INDEX IX_tbProdutos_familia_id ON tbProdutos (familia_id, subfamilia_id, nome)

@@ -135,6 +135,15 @@ std::string WithScale(std::string digits, std::size_t scale, bool negative) {
   return negative && digits != "0" ? "-" + digits : digits;
 }
 
+// An amount in units of 10^-scale.
+std::string ScaledText(std::int64_t amount, std::size_t scale) {
+  const bool negative = amount < 0;
+  const auto magnitude = negative ? 0 - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
+  char buffer[24];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, magnitude).ptr;
+  return WithScale(std::string(buffer, end), scale, negative);
+}
+
 double PlainNumber(const std::string& text) {
   double number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);
@@ -260,6 +269,17 @@ std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {
 }
 
 std::string NumberText(double number) {
+  // Quantities and amounts have few decimals. Counted in hundred-thousandths they are written far quicker, and the
+  // same: a number that is the nearest one to a text of at most 15 digits has that text. Small ones have an exponent.
+  constexpr double kScale = 100000;
+  constexpr double kMost = 1e15;
+  constexpr double kLeast = 1e-4;
+  const double magnitude = std::fabs(number);
+  if (magnitude < kMost && std::trunc(number) == number) return DecimalText(static_cast<std::int64_t>(number));
+  const double scaled = std::round(number * kScale);
+  if (magnitude >= kLeast && std::fabs(scaled) < kMost && scaled / kScale == number) {
+    return ScaledText(static_cast<std::int64_t>(scaled), 5);
+  }
   return GeneralText(number, 15);
 }
 
@@ -268,12 +288,7 @@ std::string NumberText(float number) {
 }
 
 std::string NumberText(Currency amount) {
-  const bool negative = amount.ten_thousandths < 0;
-  const auto magnitude = negative ? 0 - static_cast<std::uint64_t>(amount.ten_thousandths)
-                                  : static_cast<std::uint64_t>(amount.ten_thousandths);
-  char buffer[24];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, magnitude).ptr;
-  return WithScale(std::string(buffer, end), 4, negative);
+  return ScaledText(amount.ten_thousandths, 4);
 }
 
 std::string NumberText(const Decimal& number) {
@@ -293,8 +308,9 @@ std::string NumberText(const Decimal& number) {
 
 namespace {
 
-std::string WithLocaleDecimal(const std::string& text, const Locale& locale) {
-  return ReplaceAll(text, ".", locale.decimal);
+std::string WithLocaleDecimal(std::string text, const Locale& locale) {
+  if (const std::size_t point = text.find('.'); point != std::string::npos) text.replace(point, 1, locale.decimal);
+  return text;
 }
 
 }  // namespace
@@ -432,8 +448,9 @@ bool IsDate(const Value& value, const Locale& locale) {
 
 bool IsNonZero(const Value& value) {
   if (value.is_null() || value.is_date()) return false;
-  if (value.is_text()) return ParseNumber(value.text(), {}).value_or(0) != 0;
-  return ToDouble(value, {}) != 0;
+  static const Locale kAnyLocale;
+  if (value.is_text()) return ParseNumber(value.text(), kAnyLocale).value_or(0) != 0;
+  return ToDouble(value, kAnyLocale) != 0;
 }
 
 }  // namespace quenta::base

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -108,17 +109,13 @@ struct NumberPattern {
 
 NumberPattern ReadNumberPattern(std::string_view text) {
   NumberPattern pattern;
-  const std::size_t first = text.find_first_of("0#");
-  const std::size_t last = text.find_last_of("0#");
   pattern.percent = text.find('%') != std::string_view::npos;
-  if (first == std::string_view::npos) {
-    pattern.before = text;
-    return pattern;
-  }
-  pattern.before = text.substr(0, first);
-  pattern.after = text.substr(last + 1);
+  const auto first = std::find_if(text.begin(), text.end(), IsPlaceholder);
+  const auto end = std::find_if(text.rbegin(), std::make_reverse_iterator(first), IsPlaceholder).base();
+  pattern.before = {text.begin(), first};
+  pattern.after = {end, text.end()};
   bool decimals = false;
-  for (const char c : text.substr(first, last - first + 1)) {
+  for (const char c : std::string_view(first, end)) {
     if (c == '.') {
       decimals = true;
     } else if (c == ',') {
@@ -153,25 +150,26 @@ std::string ShowNumber(const Digits& number, const NumberPattern& pattern, const
     text += locale.decimal;
     for (int i = 0; i < decimals; ++i) text += number.digits.empty() ? '0' : digit_at(number.point + i);
   }
-  return text + std::string(pattern.after);
+  text += pattern.after;
+  return text;
 }
 
 std::string FormatNumber(Digits number, std::string_view pattern_text, const Locale& locale) {
   const std::size_t semicolon = pattern_text.find(';');
-  const NumberPattern positive = ReadNumberPattern(pattern_text.substr(0, semicolon));
-  const bool own_negative = semicolon != std::string_view::npos;
-  const NumberPattern negative = own_negative ? ReadNumberPattern(pattern_text.substr(semicolon + 1)) : positive;
-  const NumberPattern& pattern = number.negative ? negative : positive;
+  const std::string_view positive = pattern_text.substr(0, semicolon);
+  const bool own_negative = number.negative && semicolon != std::string_view::npos;
+  const NumberPattern pattern = ReadNumberPattern(own_negative ? pattern_text.substr(semicolon + 1) : positive);
   if (pattern.percent) number.point += 2;
   Round(number, pattern.most_decimals);
   // A negative number that rounds to zero is shown as zero, not as minus zero.
-  if (number.digits.empty()) return ShowNumber(number, positive, locale);
-  const std::string text = ShowNumber(number, pattern, locale);
-  return number.negative && !own_negative ? "-" + text : text;
+  if (number.digits.empty() && own_negative) return ShowNumber(number, ReadNumberPattern(positive), locale);
+  std::string text = ShowNumber(number, pattern, locale);
+  if (number.negative && !own_negative && !number.digits.empty()) text.insert(0, 1, '-');
+  return text;
 }
 
 bool IsDatePattern(std::string_view pattern) {
-  return pattern.find_first_of("0#") == std::string_view::npos &&
+  return std::none_of(pattern.begin(), pattern.end(), IsPlaceholder) &&
          pattern.find_first_of("dDmMyYhHnNsS") != std::string_view::npos;
 }
 
@@ -229,8 +227,8 @@ std::string Format(const Value& value, std::string_view pattern, const Locale& l
     if (value.is_text() && !IsDate(value, locale)) return value.text();
     return FormatDate(ToDate(value, locale), pattern, locale);
   }
-  const auto digits = NumberDigits(value, locale);
-  return digits ? FormatNumber(*digits, pattern, locale) : value.text();
+  auto digits = NumberDigits(value, locale);
+  return digits ? FormatNumber(std::move(*digits), pattern, locale) : value.text();
 }
 
 }  // namespace quenta::base

@@ -49,6 +49,10 @@ void TabStrip::SelectKey(const std::string& key) {
   }
 }
 
+bool TabStrip::Has(const std::string& key) const noexcept {
+  return std::any_of(tabs_.begin(), tabs_.end(), [&](const Tab& tab) { return tab.key == key; });
+}
+
 void TabStrip::Chosen(int index) {
   if (index < 0 || index >= Count()) return;
   selected_ = index;

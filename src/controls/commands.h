@@ -29,6 +29,7 @@ class TabStrip final : public Control {
   const std::string& selected_key() const noexcept;
   int selected() const noexcept { return selected_; }  // from 0
   void SelectKey(const std::string& key);
+  bool Has(const std::string& key) const noexcept;
 
   std::function<void()> on_click;
   void Chosen(int index);  // the user chose the tab at this position, from 0
@@ -85,6 +86,7 @@ struct MenuItem {
   bool checked = false;
   bool in_menu_bar = true;  // of a menu: false for one that only pops up
   std::function<void()> on_click{};
+  std::function<bool()> can_run{};  // asked when the menu opens, for an entry that is enabled; none means always
   std::vector<MenuItem> items{};
 };
 

@@ -59,6 +59,7 @@ inline constexpr int kControl = 17;
 inline constexpr int kAlt = 18;
 inline constexpr int kEscape = 27;
 inline constexpr int kDelete = 46;
+inline constexpr int kF5 = 116;
 }  // namespace key_code
 
 // A stretch of text in UTF-16 units, as windows count.

@@ -84,11 +84,16 @@ void SetText(TextField& field, const Value& value, int code, const Locale& local
 
 // The first entry with this item data (for a number) or this text (for anything else); -1 when there is none.
 int FindEntry(const ComboBox& box, const Value& value, const Locale& locale) {
-  const bool by_data = !box.holds_text && base::IsNumeric(value, locale);
-  const std::optional<double> data = by_data ? std::optional(base::ToDouble(value, locale)) : std::nullopt;
+  if (!box.holds_text && base::IsNumeric(value, locale)) {
+    const double data = base::ToDouble(value, locale);
+    for (int i = 0; i < box.ListCount(); ++i) {
+      if (box.ItemData(i) && *box.ItemData(i) == data) return i;
+    }
+    return -1;
+  }
   const std::string text = base::ToText(value, locale);
   for (int i = 0; i < box.ListCount(); ++i) {
-    if (by_data ? box.ItemData(i) && *box.ItemData(i) == *data : box.List(i) == text) return i;
+    if (box.List(i) == text) return i;
   }
   return -1;
 }

@@ -51,7 +51,13 @@ void Form::Show() {
   const std::shared_ptr<Form> alive = shared_from_this();
   Load();
   if (!loaded_) return;
-  host_.Show(*this);
+  try {
+    host_.Show(*this);
+  } catch (...) {
+    // A form that never got its window could never be closed.
+    if (!visible_) Closed();
+    throw;
+  }
   visible_ = loaded_;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 #include <optional>
+#include <utility>
 
 #include "base/convert.h"
 #include "base/error.h"
@@ -53,6 +54,11 @@ void ListView::Clear() {
   RowsChanged();
 }
 
+void ListView::Reserve(std::size_t rows) {
+  items_.reserve(rows);
+  positions_.reserve(rows);
+}
+
 ListItem& ListView::Add(std::string key, std::string text) {
   if (!positions_.emplace(key, items_.size()).second) RaiseNoSuchRow();
   items_.push_back({.key = std::move(key), .text = std::move(text), .sub_items = {}});
@@ -69,7 +75,7 @@ void ListView::Remove(const std::string& key) {
   for (auto& [other, position] : positions_) {
     if (position > index) --position;
   }
-  if (selected_ >= Count()) selected_ = Count() - 1;
+  if (selected_ > static_cast<int>(index) || selected_ == Count()) --selected_;
   RowsChanged();
 }
 
@@ -79,9 +85,14 @@ ListItem& ListView::At(int index) {
 }
 
 ListItem& ListView::Item(const std::string& key) {
+  ListItem* const item = Find(key);
+  if (item == nullptr) RaiseNoSuchRow();
+  return *item;
+}
+
+ListItem* ListView::Find(const std::string& key) {
   const auto found = positions_.find(key);
-  if (found == positions_.end()) RaiseNoSuchRow();
-  return items_[found->second];
+  return found == positions_.end() ? nullptr : &items_[found->second];
 }
 
 const std::string& ListView::Cell(int row, int column) const {
@@ -95,7 +106,11 @@ const std::string& ListView::Cell(int row, int column) const {
 
 void ListView::Select(int index) {
   selected_ = index >= 0 && index < Count() ? index : -1;
-  Changed(Aspect::kSelection);
+  if (multi_select) {
+    Marked(0, Count() - 1, false);
+    Marked(selected_, selected_, true);
+  }
+  SelectionChanged();
 }
 
 std::vector<int> ListView::MarkedRows() const {
@@ -111,8 +126,9 @@ std::vector<int> ListView::MarkedRows() const {
 }
 
 void ListView::MarkAll() {
+  if (!multi_select) return;
   Marked(0, Count() - 1, true);
-  Changed(Aspect::kSelection);
+  SelectionChanged();
 }
 
 std::string ListView::MarkedText() const {
@@ -120,7 +136,11 @@ std::string ListView::MarkedText() const {
   for (const int row : MarkedRows()) {
     for (int column = 0; column < static_cast<int>(columns_.size()); ++column) {
       if (column > 0) text += '\t';
+      const std::size_t start = text.size();
       text += Cell(row, column);
+      std::replace_if(
+          text.begin() + static_cast<std::ptrdiff_t>(start), text.end(),
+          [](char c) { return c == '\t' || c == '\r' || c == '\n'; }, ' ');
     }
     text += "\r\n";
   }
@@ -130,13 +150,10 @@ std::string ListView::MarkedText() const {
 void ListView::Sort(const ListSort& sort, const base::Locale& locale) {
   sort_ = sort;
   if (sort.column < 0 || sort.column >= static_cast<int>(columns_.size()) || items_.empty()) return;
-  const std::string selected_key = selected_ >= 0 ? At(selected_).key : std::string();
-
+  const SortAs kind = columns_[static_cast<std::size_t>(sort.column)].sort_as;
   std::vector<SortKey> keys;
   keys.reserve(items_.size());
-  for (int i = 0; i < Count(); ++i) {
-    keys.push_back(KeyOf(Cell(i, sort.column), columns_[static_cast<std::size_t>(sort.column)].sort_as, locale));
-  }
+  for (int i = 0; i < Count(); ++i) keys.push_back(KeyOf(Cell(i, sort.column), kind, locale));
   std::vector<std::size_t> order(items_.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
@@ -145,11 +162,27 @@ void ListView::Sort(const ListSort& sort, const base::Locale& locale) {
 
   std::vector<ListItem> sorted;
   sorted.reserve(items_.size());
-  for (const std::size_t index : order) sorted.push_back(std::move(items_[index]));
+  const int selected_before = selected_;
+  for (const std::size_t index : order) {
+    if (static_cast<int>(index) == selected_before) selected_ = static_cast<int>(sorted.size());
+    positions_.find(items_[index].key)->second = sorted.size();
+    sorted.push_back(std::move(items_[index]));
+  }
   items_ = std::move(sorted);
-  for (std::size_t i = 0; i < items_.size(); ++i) positions_[items_[i].key] = i;
+  const Update update(*this);
   RowsChanged();
-  if (!selected_key.empty()) Select(static_cast<int>(positions_[selected_key]));
+  SelectionChanged();
+}
+
+void ListView::Note(bool& changed) noexcept {
+  changed = true;
+  if (updating_ == 0) TellView();
+}
+
+// The rows first: what is selected may be one of the new ones.
+void ListView::TellView() noexcept {
+  if (std::exchange(rows_changed_, false)) Changed(Aspect::kItems);
+  if (std::exchange(selection_changed_, false)) Changed(Aspect::kSelection);
 }
 
 void ListView::Clicked(int index) {

@@ -52,19 +52,24 @@ class ListView final : public Control {
 
   int Count() const noexcept { return static_cast<int>(items_.size()); }
   void Clear();
-  // Adds a row at the end. Error 5 when the key is there already. The reference lives until the next Add or Remove.
+  // Makes room for this many rows, so that none of them moves while they are added.
+  void Reserve(std::size_t rows);
+  // Adds a row at the end. Error 5 when the key is there already. The reference lives until the next Add, Remove or
+  // Sort.
   ListItem& Add(std::string key, std::string text);
+  // Error 5 when there is no such row. The selection stays with its row; the next row takes that of the row that went.
   void Remove(const std::string& key);
   // Row by position (from 0) or by key; Error 5 when there is none.
   ListItem& At(int index);
   ListItem& Item(const std::string& key);
-  // While one lives, changes of rows are gathered and told to the view as one at its end.
+  // Row by key; null when there is none.
+  ListItem* Find(const std::string& key);
+  // While one lives, changes of rows and of the selection are gathered and told to the view as one at its end.
   class Update {
    public:
     explicit Update(ListView& list) noexcept : list_(list) { ++list_.updating_; }
     ~Update() {
-      --list_.updating_;
-      list_.RowsChanged();
+      if (--list_.updating_ == 0) list_.TellView();
     }
     Update(const Update&) = delete;
     Update& operator=(const Update&) = delete;
@@ -80,19 +85,22 @@ class ListView final : public Control {
   const std::string& Cell(int row, int column) const;
 
   int selected() const noexcept { return selected_; }  // position of the row that has the selection mark, -1 for none
-  // Selects the row (-1: none) and scrolls it into view.
+  // Selects the row (-1: none) and scrolls it into view. With multi_select it is the only one marked from then on.
   void Select(int index);
 
-  // Rows of a list with multi_select that the user has marked, by position in the list's order. In other lists, the
-  // selected row.
+  // Rows of a list with multi_select that are marked, by position in the list's order. In other lists, the selected
+  // row.
   std::vector<int> MarkedRows() const;
+  // Nothing happens without multi_select.
   void MarkAll();
-  // The marked rows as text, cells separated by tabs and rows by line ends, the visible columns only.
+  // The marked rows as text, cells separated by tabs and rows by line ends, the visible columns only. Tabs and line
+  // ends within a cell become blanks.
   std::string MarkedText() const;
 
   const ListSort& sort() const noexcept { return sort_; }
-  // Puts the rows into this order, rows that compare equal staying as they are; the selection goes with its row. The
-  // cells of number and date columns are read in the user's notation; those that are neither come first.
+  // Puts the rows into this order, rows that compare equal staying as they are; selection and marks go with their rows.
+  // The cells of number and date columns are read in the user's notation; those that are neither come first. A column
+  // that is not there leaves the rows as they are.
   void Sort(const ListSort& sort, const base::Locale& locale);
   // The order is to be this one from now on; rows that are there already stay. For the view that remembers it.
   void RestoreSort(const ListSort& sort) { sort_ = sort; }
@@ -112,9 +120,10 @@ class ListView final : public Control {
   void Copy();
 
  private:
-  void RowsChanged() noexcept {
-    if (updating_ == 0) Changed(Aspect::kItems);
-  }
+  void RowsChanged() noexcept { Note(rows_changed_); }
+  void SelectionChanged() noexcept { Note(selection_changed_); }
+  void Note(bool& changed) noexcept;
+  void TellView() noexcept;
 
   std::vector<ListColumn> columns_;
   bool check_boxes_;
@@ -123,6 +132,8 @@ class ListView final : public Control {
   int selected_ = -1;
   ListSort sort_;
   int updating_ = 0;
+  bool rows_changed_ = false;  // and the view was not told yet
+  bool selection_changed_ = false;
 };
 
 }  // namespace quenta::controls

@@ -26,7 +26,7 @@ class TextField final : public Control {
 
   // Properties of the field's design, set before there is a window.
   bool multi_line = false;
-  bool right_aligned = false;
+  bool right_aligned = false;  // as numbers stand: the decimal key of the numeric pad types the user's separator there
   std::size_t max_length = 0;  // in UTF-16 units; 0 is no limit
 
   // The selection in UTF-16 units. The window asks for it when told Aspect::kCaret, and keeps it up to date while the

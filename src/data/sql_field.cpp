@@ -97,11 +97,13 @@ std::string SQLField(session::Session& session, const base::Value& value, SQLKin
 }
 
 std::string ListField(session::Session& session, const ports::Row& row, const std::string& column, ListKind kind) {
-  return session::Guarded(session.ports().error_reporting, kLabels, "ListField", [&]() -> std::string {
-    const auto position = row.FindColumn(column);
-    if (!position || row.At(*position).is_null()) return " ";
-    return ListText(row.At(*position), kind, session.locale());
-  });
+  const auto position = row.FindColumn(column);
+  return position ? ListField(session, row.At(*position), kind) : " ";
+}
+
+std::string ListField(session::Session& session, const base::Value& value, ListKind kind) {
+  return session::Guarded(session.ports().error_reporting, kLabels, "ListField",
+                          [&] { return value.is_null() ? " " : ListText(value, kind, session.locale()); });
 }
 
 bool IsLocalNumeric(const base::Value& value, const base::Locale& locale) {

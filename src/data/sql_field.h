@@ -46,6 +46,9 @@ std::string Trtf(std::string& text);
 // reported, and the result is empty.
 std::string ListField(session::Session& session, const ports::Row& row, const std::string& column, ListKind kind);
 
+// The same for a value that is at hand: lists of many rows look their columns up once.
+std::string ListField(session::Session& session, const base::Value& value, ListKind kind);
+
 // Whether the value is a number as the user types it, with either separator as the decimal one.
 bool IsLocalNumeric(const base::Value& value, const base::Locale& locale);
 

@@ -12,8 +12,9 @@ constexpr char FoldAscii(char c) {
 }
 
 bool SameName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return FoldAscii(x) == FoldAscii(y); });
+  if (a.size() != b.size()) return false;
+  return a == b ||
+         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return FoldAscii(x) == FoldAscii(y); });
 }
 
 }  // namespace

@@ -41,6 +41,9 @@ class Settings {
   // folder is missing, 61 when the disk is full, 57 for whatever else the system says.
   virtual void WriteFile(const std::string& path, const std::string& bytes) = 0;
 
+  // Adds to the end of a file, and creates it when it is missing. False when that failed.
+  virtual bool AppendFile(const std::string& path, const std::string& bytes) = 0;
+
   virtual base::Locale UserLocale() = 0;
 };
 

@@ -1,14 +1,21 @@
 // Which command starts which operation: toolbars, tabs, menus and shortcuts, all by key.
+#include <iterator>
+
 #include "product/frm_main_guard.h"
 
 namespace quenta::product {
 
 void frmMain::AddCommands() {
   Toolbar1.on_button_click = [this](const std::string& key) { Toolbar1_ButtonClick(key); };
+  Toolbar1.on_menu_click = [this](const std::string& key) { Toolbar1_ButtonMenuClick(key); };
+  Toolbar2.on_button_click = [this](const std::string& key) { Toolbar2_ButtonClick(key); };
+  Toolbar3.on_button_click = [this](const std::string& key) { Toolbar3_ButtonClick(key); };
   TabStrip1.on_click = [this] { TabStrip1_Click(); };
   FXData_Inicio.on_change = [this] { ShowHistoryOf(TabStrip1.selected_key()); };
   FXData_Fim.on_change = [this] { ShowHistoryOf(TabStrip1.selected_key()); };
   ListView2.on_context_menu = [this] { host().PopupMenu(*this, "mnProdutos"); };
+  AddStockCommands();
+  AddHistoryCommands();
   AddMenus();
   AddShortcuts();
 }
@@ -16,27 +23,150 @@ void frmMain::AddCommands() {
 void frmMain::Toolbar1_ButtonClick(const std::string& key) {
   if (key == "sair") Unload();
   if (key == "gravar") Gravar();
+  if (key == "imprimir") ConstructDoc("");
+  if (key == "apagar") Apagar();
+  if (key == "duplicar") Duplicar();
 }
 
+void frmMain::Toolbar1_ButtonMenuClick(const std::string& key) {
+  if (key == "etiquetas") ConstructDoc("");
+}
+
+// The menus offer what the toolbars do, and what the lists' pop-up menus do: those are the menus themselves.
 void frmMain::AddMenus() {
-  menus_ = {{.name = "mnFicheiro",
-             .caption = "F&icheiro",
-             .items = {{.name = "mnGravar",
-                        .caption = "&Gravar",
-                        .shortcut = "Ctrl+S",
-                        .on_click = [this] { Toolbar1.Clicked("gravar"); }},
-                       {},
-                       {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}},
-            {.name = "mnProdutos",
-             .caption = "&Preços",
-             .in_menu_bar = false,
-             .items = {{.name = "mnProdutosPredef", .caption = "Tornar &predefinido", .on_click = [this] {
-                          mnProdutosPredef_Click();
-                        }}}}};
+  using controls::MenuItem;
+  // An entry that presses a toolbar's button, where the user can.
+  const auto button = [](controls::Toolbar& bar, const char* key, const char* name, const char* caption,
+                         const char* shortcut = "") {
+    return MenuItem{.name = name,
+                    .caption = caption,
+                    .shortcut = shortcut,
+                    .on_click = [&bar, key] { bar.Clicked(key); },
+                    .can_run = [&bar, key] { return bar.Item(key).enabled && bar.Item(key).visible; }};
+  };
+  const auto tab = [this](const char* key, const char* caption, const char* shortcut) {
+    return MenuItem{.name = std::string("mnVer_") + key,
+                    .caption = caption,
+                    .shortcut = shortcut,
+                    .on_click = [this, key] { ShowTab(key); },
+                    .can_run = [this, key] { return TabStrip1.Has(key); }};
+  };
+  const auto on_history = [this] { return ShowsHistory(); };
+
+  menus_ = {
+      {.name = "mnFicheiro",
+       .caption = "F&icheiro",
+       .items = {button(Toolbar1, "gravar", "mnGravar", "&Gravar", "Ctrl+S"),
+                 {},
+                 button(Toolbar1, "imprimir", "mnImprimir", "Imprimir &etiquetas…", "Ctrl+P"),
+                 {},
+                 {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}},
+      {.name = "mnProduto",
+       .caption = "Pro&duto",
+       .items = {button(Toolbar1, "duplicar", "mnDuplicar", "&Duplicar", "Ctrl+D"),
+                 button(Toolbar1, "apagar", "mnApagar", "&Apagar", "Ctrl+Shift+Del"),
+                 {},
+                 button(Toolbar2, "gerar", "mnDependentesGerar", "&Gerar dependentes…", "Ctrl+G"),
+                 button(Toolbar2, "adicionar", "mnDependentesAdicionar", "Ad&icionar dependente"),
+                 button(Toolbar2, "remover", "mnDependentesRemover", "&Remover dependente")}},
+      {.name = "mnProdutos",
+       .caption = "Preço&s",
+       .items = {{.name = "mnProdutosPredef",
+                  .caption = "Tornar &predefinido",
+                  .on_click = [this] { mnProdutosPredef_Click(); },
+                  .can_run = [this] { return ListView2.selected() >= 0 && Toolbar1.Item("gravar").visible; }}}},
+      // Which warehouses keep a product is not decided here: these two entries have no action.
+      {.name = "mnStocks",
+       .caption = "Stoc&ks",
+       .items = {{.name = "mnStocksAdicionarArmazem", .caption = "&Adicionar armazém", .enabled = false},
+                 {.name = "mnStocksPropriedades",
+                  .caption = "&Propriedades…",
+                  .shortcut = "Enter",
+                  .on_click = [this] { mnStocksPropriedades_Click(); },
+                  .can_run = [this] { return ListView1.selected() >= 0; }},
+                 {.name = "mnStocksRemoverArmazem", .caption = "&Remover armazém", .enabled = false}}},
+      {.name = "mnHistorico",
+       .caption = "&Histórico",
+       .items = {{.name = "mnHistoricoCopiar",
+                  .caption = "&Copiar",
+                  .shortcut = "Ctrl+C",
+                  .on_click = [this] { ListView13.Copy(); },
+                  .can_run = on_history},
+                 {.name = "mnHistoricoSelecionarTudo",
+                  .caption = "&Selecionar tudo",
+                  .shortcut = "Ctrl+A",
+                  .on_click = [this] { ListView13.MarkAll(); },
+                  .can_run = on_history},
+                 {},
+                 {.name = "mnHistoricoGuardar",
+                  .caption = "&Guardar como CSV…",
+                  .on_click = [this] { mnHistoricoGuardar_Click(); },
+                  .can_run = on_history},
+                 {.name = "mnHistoricoRelatorio",
+                  .caption = "&Relatório",
+                  .shortcut = "Ctrl+R",
+                  .on_click = [this] { Toolbar3.Clicked("relatorio"); },
+                  .can_run = on_history}}},
+      {.name = "mnVer",
+       .caption = "&Ver",
+       .items = {tab("precos", "&Preços", "Ctrl+1"),
+                 tab("stocks", "&Stocks em armazém", "Ctrl+2"),
+                 tab("compras", "&Compras", "Ctrl+3"),
+                 tab("vendas", "&Vendas", "Ctrl+4"),
+                 tab("encomendas_fornecedores", "Encomendas a &fornecedores", "Ctrl+5"),
+                 tab("encomendas_clientes", "Encomendas de c&lientes", "Ctrl+6"),
+                 tab("dependentes", "&Dependentes", "Ctrl+7"),
+                 {},
+                 {.name = "mnVerAtualizar",
+                  .caption = "&Atualizar",
+                  .shortcut = "F5",
+                  .on_click = [this] { RefreshPage(); }}}},
+  };
 }
 
+// The keys that the menus name, but for those that their windows know themselves.
 void frmMain::AddShortcuts() {
-  shortcuts_ = {{.key = 'S', .control = true, .run = [this] { Toolbar1.Clicked("gravar"); }}};
+  using controls::key_code::kDelete;
+  using controls::key_code::kF5;
+  const auto press = [](controls::Toolbar& bar, const char* key) { return [&bar, key] { bar.Clicked(key); }; };
+  shortcuts_ = {
+      {.key = 'S', .control = true, .run = press(Toolbar1, "gravar")},
+      {.key = 'P', .control = true, .run = press(Toolbar1, "imprimir")},
+      {.key = 'D', .control = true, .run = press(Toolbar1, "duplicar")},
+      {.key = kDelete, .control = true, .shift = true, .run = press(Toolbar1, "apagar")},
+      {.key = 'G', .control = true, .run = press(Toolbar2, "gerar")},
+      {.key = 'R',
+       .control = true,
+       .run =
+           [this] {
+             if (ShowsHistory()) Toolbar3.Clicked("relatorio");
+           }},
+      {.key = kF5, .run = [this] { RefreshPage(); }},
+  };
+  const char* const tabs[] = {
+      "precos", "stocks", "compras", "vendas", "encomendas_fornecedores", "encomendas_clientes", "dependentes"};
+  for (std::size_t i = 0; i < std::size(tabs); ++i) {
+    shortcuts_.push_back(
+        {.key = '1' + static_cast<int>(i), .control = true, .run = [this, tab = tabs[i]] { ShowTab(tab); }});
+  }
+}
+
+bool frmMain::ShowsHistory() const {
+  const auto page = layout_.pages.find(TabStrip1.selected_key());
+  return page != layout_.pages.end() && page->second == &Frame3;
+}
+
+// As if the user had chosen the tab; nothing happens when the product has no such tab.
+void frmMain::ShowTab(const std::string& key) {
+  if (!TabStrip1.Has(key)) return;
+  TabStrip1.SelectKey(key);
+  TabStrip1_Click();
+}
+
+// Reads the list of the page that is shown again. The price list is left: it holds what the user has not saved yet.
+void frmMain::RefreshPage() {
+  if (TabStrip1.selected_key() == "stocks") Fill_Stocks();
+  TabStrip1_Click();
 }
 
 }  // namespace quenta::product

@@ -1,6 +1,7 @@
 // What the record's fields do when the user types, chooses, enters and leaves.
 #include "base/convert.h"
 #include "base/text.h"
+#include "controls/auto_complete.h"
 #include "controls/field_entry.h"
 #include "controls/field_value.h"
 #include "product/frm_main_guard.h"
@@ -61,6 +62,13 @@ void frmMain::AddFieldEvents() {
   }
   FXFamilia_ID.on_lost_focus = [this] { FXFamilia_ID_LostFocus(); };
   FXNome.on_key_down = mark_unless_moving;
+  FXNome.on_key_press = [this](int& key) {
+    Guarded("FXNome_KeyPress", [&] {
+      if (FXNome.locked()) return;
+      controls::AutoCompletarCombo(FXNome, key);
+      if (key == 0) MarkAltered();
+    });
+  };
   FXNome.on_got_focus = [this] { FXNome_GotFocus(); };
   FXMarca.on_got_focus = [this] { FXMarca_GotFocus(); };
   FXObs.on_change = mark;

@@ -17,15 +17,21 @@ std::vector<controls::ListColumn> StockColumns() {
 }
 
 std::vector<controls::ListColumn> HistoryColumns() {
-  return {{"Data", 90, false},      {"Entidade", 230, false},      {"Tipo", 140, false},      {"N.º", 80, false},
-          {"Quantidade", 90, true}, {"Preço unitário", 110, true}, {"Preço total", 110, true}};
+  using controls::SortAs;
+  return {{"Data", 90, false, SortAs::kDate},
+          {"Entidade", 230},
+          {"Tipo", 140},
+          {"N.º", 80},
+          {"Quantidade", 90, true, SortAs::kNumber},
+          {"Preço unitário", 110, true, SortAs::kNumber},
+          {"Preço total", 110, true, SortAs::kNumber}};
 }
 
 std::vector<controls::ListColumn> DependantColumns() {
   return {{"Código", 140, false}, {"Nome", 300, false}, {"Cor", 120, false}, {"Tamanho", 120, false}};
 }
 
-// Commands whose operations are not there yet stand disabled.
+// Which of them can be used follows from the record; until one is loaded, none that needs it.
 std::vector<controls::Toolbar::Button> MainButtons() {
   return {{.key = "gravar", .caption = "Gravar", .tooltip = "Gravar (Ctrl+S)", .enabled = false},
           {.key = "duplicar",
@@ -45,9 +51,9 @@ std::vector<controls::Toolbar::Button> MainButtons() {
 
 std::vector<controls::Toolbar::Button> DependantButtons() {
   return {
-      {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar produtos dependentes por cor e tamanho", .enabled = false},
+      {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar produtos dependentes por cor e tamanho"},
       {.key = "adicionar", .caption = "Adicionar", .tooltip = "Os dependentes são criados com Gerar", .enabled = false},
-      {.key = "remover", .caption = "Remover", .tooltip = "Apagar o produto dependente selecionado", .enabled = false}};
+      {.key = "remover", .caption = "Remover", .tooltip = "Apagar o produto dependente selecionado"}};
 }
 
 std::vector<controls::Toolbar::Button> HistoryButtons() {

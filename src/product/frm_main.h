@@ -205,6 +205,9 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void AddCommands();
   void AddMenus();
   void AddShortcuts();
+  bool ShowsHistory() const;  // whether one of the four history tabs is selected
+  void ShowTab(const std::string& key);
+  void RefreshPage();
 
   // lookups.cpp
   void FillLookups();
@@ -249,9 +252,18 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void FXDesconto_LostFocus();
   void FXIva_ID_Click();
 
+  // stocks.cpp
+  void AddStockCommands();
+
   // history.cpp
+  void AddHistoryCommands();
+  void CopyRows(const controls::ListView& list);
+  void ListView13_ColumnClick(int column);
+  void mnHistoricoGuardar_Click();
+  void WriteHistory(const std::string& path);
   void TabStrip1_Click();
   void ShowHistoryOf(const std::string& tab);
+  void ShowLines(const ports::RowSet& lines, const char* line_id);
   void ShowStatistics(const ports::RowSet& statistics);
 
   // saving.cpp

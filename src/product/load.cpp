@@ -39,6 +39,8 @@ void frmMain::Fill() {
     record_shown_ = false;
     ClearRecord();
     FillLookups();
+    // Only a saved product can be duplicated or deleted.
+    for (const char* key : {"apagar", "duplicar"}) Toolbar1.EnableButton(key, produto_id_ != 0);
     bool shown = true;
     if (produto_id_ == 0) {
       CreateProduct();
@@ -51,6 +53,8 @@ void frmMain::Fill() {
     Fill_Stocks();
     LockByWarehouse();
     record_shown_ = shown;
+    Toolbar1.EnableButton("imprimir", shown);
+    Toolbar3.EnableButton("relatorio", shown);
   });
   SetAltered(false);
 }

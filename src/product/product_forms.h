@@ -13,7 +13,7 @@ namespace quenta::product {
 
 class ProductForms final : public ports::ProductForms {
  public:
-  ProductForms(session::Session& session, ports::FormHost& form_host, MakeGenerator make_generator = nullptr)
+  ProductForms(session::Session& session, ports::FormHost& form_host, MakeGenerator make_generator)
       : session_(session), form_host_(form_host), forms_(form_host), make_generator_(make_generator) {}
 
   std::shared_ptr<ports::ProductForm> Create() override;

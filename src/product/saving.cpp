@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/convert.h"
+#include "base/error.h"
 #include "base/sql_literal.h"
 #include "base/text.h"
 #include "component/session/transaction.h"
@@ -148,7 +149,8 @@ void frmMain::SaveRelatives() {
   session_.Execute(shared + " WHERE main_id=" + id);
   main_id_.clear();
   const ports::RowSet own = session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + id);
-  if (own.empty() || own.front()["main_id"].is_null()) return;
+  if (own.empty()) throw base::Error(base::error_number::kInternal, "The product is not in the database any more.");
+  if (own.front()["main_id"].is_null()) return;
   main_id_ = base::ToText(own.front()["main_id"], session_.locale());
   session_.Execute(shared + " WHERE main_id=" + main_id_);
   session_.Execute(shared + " WHERE produto_id=" + main_id_);

@@ -1,8 +1,11 @@
 // The stock list: per warehouse the units in stock, the minimum, the reposition quantity and the units on order.
+#include <iterator>
+
 #include "base/convert.h"
 #include "base/format.h"
 #include "base/text.h"
 #include "product/frm_main_guard.h"
+#include "product/frm_stocks.h"
 
 namespace quenta::product {
 namespace {
@@ -15,6 +18,9 @@ constexpr const char* kStockColumns[] = {"unidades", "unidades_minimas", "unidad
 void frmMain::Fill_Stocks() {
   Guarded("Fill_Stocks", [&] {
     const base::Locale& locale = session_.locale();
+    const controls::ListView::Update update(ListView1);
+    // Before the query: if that fails, no other product's quantities stay.
+    ListView1.Clear();
     const ports::RowSet rows = session_.Query(
         "SELECT tbProdutos_Stocks.*, tbProdutos_Stocks_Minimos.unidades as unidades_minimas, "
         "tbProdutos_Stocks_Minimos.reposicao as unidades_reposicao, tbArmazens.descrit as armazem FROM "
@@ -23,17 +29,39 @@ void frmMain::Fill_Stocks() {
         "LEFT JOIN tbArmazens ON tbProdutos_Stocks.armazem_id = tbArmazens.armazem_id WHERE "
         "tbProdutos_Stocks.produto_id = " +
         base::DecimalText(produto_id_));
-    ListView1.Clear();
     for (const ports::Row row : rows) {
       const base::Value& armazem = row["armazem"];
       controls::ListItem& item = ListView1.Add("#" + base::ToText(row["armazem_id"], locale),
                                                armazem.is_null() ? " " : base::ToText(armazem, locale));
+      item.sub_items.reserve(std::size(kStockColumns));
       for (const char* column : kStockColumns) {
         const base::Value& units = row[column];
         item.sub_items.push_back(units.is_null() ? std::string(" ") : base::Format(units, "0.00", locale));
       }
     }
-    ListView1.ItemsChanged();
+  });
+}
+
+void frmMain::AddStockCommands() {
+  ListView1.multi_select = true;
+  ListView1.on_item_activate = [this] { mnStocksPropriedades_Click(); };
+  ListView1.on_context_menu = [this] { host().PopupMenu(*this, "mnStocks"); };
+}
+
+void frmMain::mnStocksPropriedades_Click() {
+  Guarded("mnStocksPropriedades_Click", [&] {
+    if (ListView1.selected() < 0) return;
+    const std::int32_t armazem_id = base::ToLong(ListView1.At(ListView1.selected()).key.substr(1), session_.locale());
+    const auto stocks = std::make_shared<frmStocks>(session_, host(), forms_,
+                                                    std::static_pointer_cast<frmMain>(shared_from_this()), armazem_id);
+    try {
+      stocks->Show();
+    } catch (...) {
+      // A form that cannot be shown gives this one back.
+      stocks->WindowLost();
+      throw;
+    }
+    host().Focus(*stocks, stocks->FXStockMinimo.name().c_str());
   });
 }
 

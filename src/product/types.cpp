@@ -44,7 +44,9 @@ void frmMain::FXTipo_ID_Click() {
         TabStrip1.Insert(kStockTab, {"stocks", "Stocks em Armazém"});
       }
     }
-    if (visible()) SetAltered(true);
+    // The prices are left alone: what the user has changed in them stands only in their list.
+    if (!filling_) Fill_Stocks();
+    MarkAltered();
   });
 }
 

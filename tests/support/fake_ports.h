@@ -20,9 +20,19 @@
 #include "ports/error_reporting.h"
 #include "ports/form_host.h"
 #include "ports/settings.h"
+#include "support/faults.h"
 #include "support/locales.h"
 
 namespace quenta::tests {
+
+// Counts its calls with a plan where it is given one. A call that is struck does what its port says of a failure.
+class Fallible {
+ public:
+  FaultPlan* faults = nullptr;
+
+ protected:
+  bool Strikes() noexcept { return faults != nullptr && faults->Strikes(); }
+};
 
 class FakeErrorReporting final : public ports::ErrorReporting {
  public:
@@ -37,11 +47,11 @@ class FakeErrorReporting final : public ports::ErrorReporting {
 };
 
 // A registry and a file system in memory. Values are keyed "HKEY_LOCAL_MACHINE\key:name".
-class FakeSettings final : public ports::Settings {
+class FakeSettings final : public ports::Settings, public Fallible {
  public:
   std::optional<std::string> ReadRegistryText(ports::RootKey root, const std::string& subkey,
                                               const std::string& value_name) override {
-    if (root != 0x80000002U) return std::nullopt;
+    if (Strikes() || root != 0x80000002U) return std::nullopt;
     const auto found = registry.find(subkey + ":" + value_name);
     return found == registry.end() ? std::nullopt : std::optional(found->second);
   }
@@ -52,19 +62,26 @@ class FakeSettings final : public ports::Settings {
   std::string TempFolder() override { return "C:\\Temp"; }
   std::string InstallationFolder() override { return "C:\\Quenta"; }
   std::optional<std::string> ReadFile(const std::string& path) override {
+    if (Strikes()) return std::nullopt;
     const auto found = files.find(path);
     return found == files.end() ? std::nullopt : std::optional(found->second);
   }
   bool ReplaceContents(const std::string& path, const std::string&, const std::string& bytes) override {
-    if (files.find(path) == files.end()) return false;
+    if (Strikes() || files.find(path) == files.end()) return false;
     files[path] = bytes;
     return true;
   }
   void WriteFile(const std::string& path, const std::string& bytes) override {
+    if (Strikes()) throw base::Error(base::error_number::kPermissionDenied, "Cannot write.");
     if (const auto error = write_errors.find(path); error != write_errors.end()) {
       throw base::Error(error->second, "Cannot write.");
     }
     files[path] = bytes;
+  }
+  bool AppendFile(const std::string& path, const std::string& bytes) override {
+    if (Strikes()) return false;
+    files[path] += bytes;
+    return true;
   }
   base::Locale UserLocale() override { return locale; }
 
@@ -76,7 +93,7 @@ class FakeSettings final : public ports::Settings {
 };
 
 // Answers questions as told and lets time pass in steps.
-class FakeDesktop final : public ports::Desktop {
+class FakeDesktop final : public ports::Desktop, public Fallible {
  public:
   ports::Answer Ask(const ports::Message& message, controls::Form*) override {
     messages.push_back(message);
@@ -85,7 +102,7 @@ class FakeDesktop final : public ports::Desktop {
   }
   bool OpenDocument(const std::string& path, const std::string&, controls::Form*) override {
     opened.push_back(path);
-    return true;
+    return !Strikes();
   }
   std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form*) override {
     asked_files.push_back(file);
@@ -116,9 +133,12 @@ class FakeDesktop final : public ports::Desktop {
 };
 
 // Windows that exist only in name.
-class FakeFormHost final : public ports::FormHost {
+class FakeFormHost final : public ports::FormHost, public Fallible {
  public:
-  void Show(controls::Form& form) override { shown[&form] = form.shared_from_this(); }
+  void Show(controls::Form& form) override {
+    if (Strikes()) throw base::Error(base::error_number::kOutOfMemory, "No window.");
+    shown[&form] = form.shared_from_this();
+  }
   void Close(controls::Form& form) override { shown.erase(&form); }
   void SetTopmost(controls::Form&, bool topmost) override { window_order.push_back(topmost); }
   void Focus(controls::Form&, const char* control_name) override { focused = control_name; }

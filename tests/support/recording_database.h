@@ -1,87 +1,151 @@
-// Wraps any Database: keeps every statement in order, and makes the n-th call fail.
+// Wraps any Database: keeps every statement in order, and makes calls go wrong as its plan says.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "base/error.h"
+#include "component/session/statement_log.h"
 #include "ports/database.h"
+#include "support/faults.h"
 
 namespace quenta::tests {
 
-class RecordingDatabase final : public ports::Database {
+// What the provider says of a line that died.
+inline base::Error LineGone() {
+  return {base::error_number::kDataAccess,
+          "[DBNETLIB][ConnectionWrite (send()).]General network error. Check your network documentation."};
+}
+
+// Every statement, every begin, commit and rollback, and every open is a call of the plan's.
+class FaultyConnection final : public ports::Connection {
  public:
-  explicit RecordingDatabase(ports::Database& real) : real_(real) {}
+  FaultyConnection(ports::Database& real, FaultPlan& plan)
+      : database_(real), plan_(plan), real_(database_.CreateConnection()) {}
 
-  std::unique_ptr<ports::Connection> CreateConnection() override;
-
-  std::vector<std::string> statements;  // "BEGIN", "COMMIT" and "ROLLBACK" stand for the transaction calls
-  int fail_at = -1;                     // position, from 0, of the call that fails; -1 for none
-  bool fail_for_good = false;           // all later calls fail too
-
-  void Forget() {
-    statements.clear();
-    fail_at = -1;
-    fail_for_good = false;
+  ports::ConnectionState State() override {
+    if (std::chrono::steady_clock::now() < late_until_) return ports::ConnectionState::kConnecting;
+    return line_gone_ ? ports::ConnectionState::kOpen : real_->State();
   }
-
-  // Notes a statement, or fails in its place.
-  void Note(const std::string& statement) {
-    const int position = static_cast<int>(statements.size());
-    statements.push_back(statement);
-    if (fail_at >= 0 && (position == fail_at || (fail_for_good && position > fail_at))) {
-      throw base::Error(base::error_number::kDataAccess, "Injected failure at statement " + std::to_string(position));
-    }
-  }
-
- private:
-  ports::Database& real_;
-};
-
-class RecordingConnection final : public ports::Connection {
- public:
-  RecordingConnection(RecordingDatabase& owner, std::unique_ptr<ports::Connection> real)
-      : owner_(owner), real_(std::move(real)) {}
-
-  ports::ConnectionState State() override { return real_->State(); }
   std::string ConnectionString() override { return real_->ConnectionString(); }
   void SetConnectionString(const std::string& text) override { real_->SetConnectionString(text); }
   int ConnectionTimeout() override { return real_->ConnectionTimeout(); }
   void SetConnectionTimeout(int seconds) override { real_->SetConnectionTimeout(seconds); }
-  void Open() override { real_->Open(); }
-  void OpenAsync() override { real_->OpenAsync(); }
+  void Open() override {
+    Call([&] { real_->Open(); });
+  }
+  void OpenAsync() override {
+    const bool late = plan_.fault == Fault::kIsLate && plan_.calls == plan_.fail_at;
+    if (late) late_until_ = std::chrono::steady_clock::now() + plan_.late;
+    Call([&] { real_->OpenAsync(); });
+  }
   void ThrowIfOpenFailed() override { real_->ThrowIfOpenFailed(); }
-  void Close() override { real_->Close(); }
+  void Close() override {
+    line_gone_ = false;
+    late_until_ = {};
+    real_->Close();
+  }
   ports::RowSet Query(const std::string& sql) override {
-    owner_.Note(sql);
-    return real_->Query(sql);
+    return Call([&] { return real_->Query(sql); });
   }
   void Execute(const std::string& sql) override {
-    owner_.Note(sql);
-    real_->Execute(sql);
+    Call([&] { real_->Execute(sql); });
   }
   void BeginTransaction() override {
-    owner_.Note("BEGIN");
-    real_->BeginTransaction();
+    Call([&] { real_->BeginTransaction(); });
   }
   void CommitTransaction() override {
-    owner_.Note("COMMIT");
-    real_->CommitTransaction();
+    Call([&] { real_->CommitTransaction(); });
   }
   void RollbackTransaction() override {
-    owner_.Note("ROLLBACK");
-    real_->RollbackTransaction();
+    Call([&] { real_->RollbackTransaction(); });
   }
 
  private:
-  RecordingDatabase& owner_;
+  template <typename Work>
+  std::invoke_result_t<Work> Call(Work&& work) {
+    const bool strikes = plan_.Strikes();
+    if (line_gone_) throw LineGone();
+    if (strikes) Strike(work);
+    return work();
+  }
+
+  template <typename Work>
+  void Strike(Work& work) {
+    switch (plan_.fault) {
+      case Fault::kIsLate:
+        if (late_until_ == std::chrono::steady_clock::time_point{}) std::this_thread::sleep_for(plan_.late);
+        return;
+      case Fault::kAnswerIsLost:
+        work();
+        [[fallthrough]];
+      case Fault::kLineDrops:
+        DropLine();
+        throw LineGone();
+      default:
+        throw base::Error(base::error_number::kDataAccess, "Injected failure");
+    }
+  }
+
+  // A connection that is destroyed rolls back, as the server does when the line is gone.
+  void DropLine() {
+    const std::string connection_string = real_->ConnectionString();
+    const int timeout = real_->ConnectionTimeout();
+    real_ = database_.CreateConnection();
+    real_->SetConnectionString(connection_string);
+    real_->SetConnectionTimeout(timeout);
+    line_gone_ = true;
+  }
+
+  ports::Database& database_;
+  FaultPlan& plan_;
   std::unique_ptr<ports::Connection> real_;
+  bool line_gone_ = false;
+  std::chrono::steady_clock::time_point late_until_;  // an open in the background ends no earlier
 };
 
-inline std::unique_ptr<ports::Connection> RecordingDatabase::CreateConnection() {
-  return std::make_unique<RecordingConnection>(*this, real_.CreateConnection());
-}
+class FaultyDatabase final : public ports::Database {
+ public:
+  FaultyDatabase(ports::Database& real, FaultPlan& plan) : real_(real), plan_(plan) {}
+  std::unique_ptr<ports::Connection> CreateConnection() override {
+    return std::make_unique<FaultyConnection>(real_, plan_);
+  }
+
+ private:
+  ports::Database& real_;
+  FaultPlan& plan_;
+};
+
+class RecordingDatabase final : public ports::Database, public FaultPlan, private session::CallListener {
+ public:
+  explicit RecordingDatabase(ports::Database& real) : faulty_(real, *this) {}
+
+  std::unique_ptr<ports::Connection> CreateConnection() override { return log_.CreateConnection(); }
+
+  std::vector<std::string> statements;  // "BEGIN", "COMMIT" and "ROLLBACK" stand for the transaction calls
+  std::vector<int> positions;           // of each of them among the plan's calls
+
+  // Forgets what was recorded; nothing goes wrong any more.
+  void Forget() {
+    statements.clear();
+    positions.clear();
+    static_cast<FaultPlan&>(*this) = {};
+  }
+
+ private:
+  void Starting(session::DatabaseCall call, const std::string& text) override {
+    if (call == session::DatabaseCall::kOpen || call == session::DatabaseCall::kClose) return;
+    statements.push_back(text);
+    positions.push_back(calls);
+  }
+  void Ended(const session::CallRecord&) noexcept override {}
+
+  FaultyDatabase faulty_;
+  session::StatementLog log_{faulty_, *this};
+};
 
 }  // namespace quenta::tests

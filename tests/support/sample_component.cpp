@@ -24,7 +24,7 @@ class Template {
     std::string name = (fs::temp_directory_path() / "quenta-XXXXXX").string();
     folder_ = mkdtemp(name.data());
     sandbox::SampleFiles files;
-    files.file = {.database = folder_ / "template.db", .extension = QUENTA_SQLITE_EXTENSION};
+    files.file = {.database = folder_ / "template.db", .extension = sandbox::BuiltExtension()};
     files.odbc_ini = folder_ / "odbc.ini";
     files.data_sources = {"modelo"};
     using namespace std::chrono;
@@ -44,7 +44,7 @@ class Template {
     const fs::path folder = folder_ / source;
     fs::create_directory(folder);
     fs::copy_file(folder_ / "template.db", folder / "amostra.db");
-    const sandbox::SandboxFile file{.database = folder / "amostra.db", .extension = QUENTA_SQLITE_EXTENSION};
+    const sandbox::SandboxFile file{.database = folder / "amostra.db", .extension = sandbox::BuiltExtension()};
     sandbox::WriteDataSources(folder / "odbc.ini", {{source, file}});
     setenv("ODBCINI", (folder / "odbc.ini").c_str(), 1);
     return {folder, source};
@@ -81,15 +81,19 @@ SampleComponentTest::~SampleComponentTest() {
   fs::remove_all(sample_.folder, ignored);
 }
 
+component::SQLConnectArguments SampleComponentTest::ArgumentsOf(const std::string& user) const {
+  return {.User = user,
+          .Password = session::Scramble(PasswordOf(user)),
+          .cnUser = "suite",
+          .cnPassword = session::Scramble(PasswordOf("suite")),
+          .cnInitialCatalog = "Amostra",
+          .cnDataSource = sample_.source,
+          .cnDataSourceSecondary = sample_.source,
+          .oFlags = 0};
+}
+
 void SampleComponentTest::LogIn(const std::string& user) {
-  const bool open = component::General(component).SQLConnect({.User = user,
-                                                              .Password = session::Scramble(PasswordOf(user)),
-                                                              .cnUser = "suite",
-                                                              .cnPassword = session::Scramble(PasswordOf("suite")),
-                                                              .cnInitialCatalog = "Amostra",
-                                                              .cnDataSource = sample_.source,
-                                                              .cnDataSourceSecondary = sample_.source,
-                                                              .oFlags = 0});
+  const bool open = component::General(component).SQLConnect(ArgumentsOf(user));
   ASSERT_TRUE(open) << (reporting.reports.empty() ? "refused" : reporting.reports.back().description);
   database.Forget();
 }

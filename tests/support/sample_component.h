@@ -8,6 +8,7 @@
 #include "component/component.h"
 #include "component/general.h"
 #include "component/session/transaction.h"
+#include "generator/frm_gerar.h"
 #include "gtest/gtest.h"
 #include "ports/database.h"
 #include "product/frm_main.h"
@@ -30,7 +31,9 @@ class SampleComponentTest : public ::testing::Test {
   SampleComponentTest();
   ~SampleComponentTest() override;
 
-  // Opens the session as this user of the sample catalogue.
+  // What a host passes on to open the session as this user of the sample catalogue.
+  component::SQLConnectArguments ArgumentsOf(const std::string& user) const;
+  // Opens the session as this user.
   void LogIn(const std::string& user);
   // A loaded form of this product; 0 creates one.
   std::shared_ptr<product::frmMain> OpenForm(std::int32_t produto_id);
@@ -51,7 +54,7 @@ class SampleComponentTest : public ::testing::Test {
   FakeErrorReporting reporting;
   FakeFormHost form_host;
   session::Session session{{database, settings, desktop, reporting}};
-  product::ProductForms product_forms{session, form_host};
+  product::ProductForms product_forms{session, form_host, &generator::MakeGenerator};
   component::Component component{session, product_forms, form_host};
 
  private:

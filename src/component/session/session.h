@@ -45,6 +45,10 @@ class Session {
   ports::RowSet Query(const std::string& sql) { return SharedConnection().Query(sql); }
   void Execute(const std::string& sql) { SharedConnection().Execute(sql); }
 
+  // Lets go of the shared connection as it stands, whatever is open on it; the next use makes a new one, which is
+  // closed.
+  void DropConnection() noexcept { shared_connection_.reset(); }
+
   // Lets go of the shared connection and ends the session: COM is about to end, nothing may outlive it.
   void ReleaseConnection() noexcept;
 

@@ -42,7 +42,9 @@ void Transaction::RollBack() noexcept {
   try {
     session_.SharedConnection().RollbackTransaction();
   } catch (const std::exception&) {
-    // The line is gone, and the server has rolled back by itself.
+    // Mostly the line is gone, and the server has rolled back by itself. Were it not so, the next operation would take
+    // what is still open for the host's and go on in it: with its connection it ends for certain.
+    session_.DropConnection();
   }
 }
 

@@ -1,6 +1,12 @@
 #include "platform/com/composition_root.h"
 
+#include <optional>
+#include <string>
+
 #include "component/session/session.h"
+#include "component/session/statement_log.h"
+#include "data/registry.h"
+#include "generator/frm_gerar.h"
 #include "platform/ado/ado_database.h"
 #include "platform/com/error_reporting.h"
 #include "platform/win32/desktop.h"
@@ -10,6 +16,9 @@
 
 namespace quenta::platform {
 namespace {
+
+constexpr const char* kServerKey = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\Shared\OUT)";
+constexpr const char* kSuiteKey = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\)";
 
 // The members stand in the order in which they need each other.
 class ShippedComposition final : public Composition {
@@ -27,13 +36,27 @@ class ShippedComposition final : public Composition {
   }
 
  private:
+  // Support's log of all statements, where the workstation's settings name a file for it.
+  ports::Database& Database() {
+    const session::Ports ports{database_, settings_, desktop_, error_reporting_};
+    data::Registry registry(ports);
+    const base::Value application = registry.ObterValorString(kServerKey, "DataServer");
+    if (!application.is_text()) return database_;
+    const base::Value path = registry.ObterValorString(kSuiteKey + application.text(), "StatementLog");
+    if (!path.is_text() || path.text().empty()) return database_;
+    lines_.emplace([this, file = path.text()](const std::string& line) { settings_.AppendFile(file, line); });
+    return log_.emplace(database_, *lines_);
+  }
+
   AdoDatabase database_;
   Settings settings_;
   FormHost form_host_;
   Desktop desktop_{form_host_};
   AutomationErrorReporting error_reporting_{[this](controls::Form& form) { return form_host_.WindowOf(form); }};
-  session::Session session_{{database_, settings_, desktop_, error_reporting_}};
-  product::ProductForms product_forms_{session_, form_host_};
+  std::optional<session::StatementLines> lines_;
+  std::optional<session::StatementLog> log_;
+  session::Session session_{{Database(), settings_, desktop_, error_reporting_}};
+  product::ProductForms product_forms_{session_, form_host_, &generator::MakeGenerator};
   component::Component component_{session_, product_forms_, form_host_};
 };
 

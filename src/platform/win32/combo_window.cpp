@@ -3,6 +3,7 @@
 #include <string>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "controls/combo_box.h"
 #include "platform/win32/control_window.h"
 #include "platform/win32/edit_text.h"
@@ -83,6 +84,8 @@ class ComboWindow final : public ControlWindow {
       case CBN_EDITCHANGE:
         BeforeKey();
         owner().Event([this] { combo_.Typed(Narrow(WindowText(window()))); });
+        // The entry that was marked is not what stands in the box any more: an open list must not put it back.
+        if (filled_ && combo_.ListIndex() < 0) SendMessageW(list_, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
         break;
       default:
         break;
@@ -188,7 +191,7 @@ class ComboWindow final : public ControlWindow {
     constexpr LPARAM kBytesPerEntry = 64;
     SendMessageW(list_, LB_INITSTORAGE, static_cast<WPARAM>(combo_.ListCount()), combo_.ListCount() * kBytesPerEntry);
     for (int i = 0; i < combo_.ListCount(); ++i) {
-      SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Wide(combo_.List(i)).c_str()));
+      SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(base::ToUtf16(combo_.List(i)).c_str()));
     }
     Send(CB_SETCURSEL, static_cast<WPARAM>(combo_.ListIndex()));
     if (edit_ != nullptr) {  // emptying the list has emptied the edit part too
@@ -248,16 +251,14 @@ class ComboWindow final : public ControlWindow {
 
   // Opens the list at the entry that the box shows; text and caret stay as they are.
   void DropDown() {
+    if (Send(CB_GETDROPPEDSTATE) != 0) return;
     if (!filled_) Fill();
     const controls::TextRange selection = combo_.selection();
-    if (Send(CB_GETDROPPEDSTATE) == 0) Send(CB_SHOWDROPDOWN, TRUE);
+    Send(CB_SHOWDROPDOWN, TRUE);
     ShowSelection();
     if (edit_ != nullptr) SetEditSelection(edit_, selection);
-    if (combo_.ListIndex() < 0) {
-      const LRESULT match = SendMessageW(list_, LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                         reinterpret_cast<LPARAM>(Wide(combo_.text()).c_str()));
-      if (match != LB_ERR) SendMessageW(list_, LB_SETTOPINDEX, static_cast<WPARAM>(match), 0);
-    }
+    const int match = combo_.ListIndex() < 0 ? combo_.FindString(combo_.text()) : -1;
+    if (match >= 0) SendMessageW(list_, LB_SETTOPINDEX, static_cast<WPARAM>(match), 0);
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));  // opening by code while the user types hides the pointer
   }
 

@@ -45,6 +45,13 @@ void ControlWindow::BeforeDestroy() noexcept {
   names_.Clear();
 }
 
+WPARAM ControlWindow::Typing(HWND window, WPARAM unit) noexcept {
+  BeforeKey();
+  auto key = static_cast<int>(CharacterFor(unit));
+  owner_.Event([&] { key = model_.KeyPress(key); });
+  return IsWindow(window) ? static_cast<WPARAM>(key) : 0;
+}
+
 LRESULT CALLBACK ControlWindow::SubclassProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                              DWORD_PTR control) noexcept {
   auto* const self = reinterpret_cast<ControlWindow*>(control);
@@ -67,6 +74,10 @@ LRESULT CALLBACK ControlWindow::SubclassProc(HWND window, UINT message, WPARAM w
       self->BeforeKey();
       self->owner_.Event([&] { self->model_.KeyDown(static_cast<int>(wparam)); });
       if (!IsWindow(window)) return 0;
+      break;
+    case WM_CHAR:
+      wparam = self->Typing(window, wparam);
+      if (wparam == 0) return 0;
       break;
     default:
       break;

@@ -37,6 +37,8 @@ class ControlOwner {
   // An event that starts a command without moving the focus: the focused field runs its leave routine before it, and
   // its entry routine after it if the focus is still there.
   virtual void Command(const std::function<void()>& run) noexcept = 0;
+  // The user asks for a menu of the control, which belongs at this point of the screen.
+  virtual void ContextMenu(POINT at, const std::function<void()>& tell) noexcept = 0;
   // The keyboard focus has moved, perhaps within the same control.
   virtual void FocusMoved() noexcept = 0;
   // Another tab is selected: another page is to be shown.
@@ -95,6 +97,8 @@ class ControlWindow {
   }
   // Called before the model is told a key, so that it knows where the caret is.
   virtual void BeforeKey() noexcept {}
+  // The UTF-16 unit to type where the keyboard gives this one.
+  virtual WPARAM CharacterFor(WPARAM unit) noexcept { return unit; }
 
   // Watches another window that is a part of this control, as the edit part of a combo box is.
   void Watch(HWND part) noexcept;
@@ -122,6 +126,8 @@ class ControlWindow {
   WindowNames& names() noexcept { return names_; }
 
  private:
+  // Tells the model what is about to be typed. What is to be typed instead; 0 for nothing.
+  WPARAM Typing(HWND window, WPARAM unit) noexcept;
   static LRESULT CALLBACK SubclassProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                        DWORD_PTR control) noexcept;
 

@@ -1,15 +1,18 @@
 #include "platform/win32/desktop.h"
 
 #include <cstring>
+#include <cwchar>
 #include <memory>
 
 #include <windows.h>
 
+#include <commctrl.h>
 #include <commdlg.h>
 #include <shellapi.h>
 
 #include "controls/form.h"
 #include "platform/win32/dpi.h"
+#include "platform/win32/handles.h"
 #include "platform/win32/wide_text.h"
 
 namespace quenta::platform {
@@ -39,6 +42,26 @@ UINT ButtonsFlag(ports::Buttons buttons) noexcept {
       return MB_YESNOCANCEL;
   }
   return MB_OK;
+}
+
+// The dialog refuses, without showing itself, a proposal that cannot be a file's name: a product's code may hold these.
+std::wstring FileName(const std::string& proposal) {
+  std::wstring name = Wide(proposal);
+  for (wchar_t& unit : name) {
+    if (unit < L' ' || std::wcschr(L"<>:\"/\\|?*", unit) != nullptr) unit = L'_';
+  }
+  return name;
+}
+
+// Programs that watch the clipboard hold it for a moment whenever it changes.
+bool OpenClipboardPatiently(HWND owner) noexcept {
+  constexpr int kTries = 10;
+  constexpr DWORD kPause = 10;  // milliseconds
+  for (int i = 0; i < kTries; ++i) {
+    if (OpenClipboard(owner)) return true;
+    Sleep(kPause);
+  }
+  return false;
 }
 
 }  // namespace
@@ -89,7 +112,7 @@ std::optional<std::string> Desktop::AskFileToSave(const ports::FileToSave& file,
   types += L"*." + extension;
   types.push_back(L'\0');
   const std::wstring title = Wide(file.title);
-  std::wstring path = Wide(file.name);
+  std::wstring path = FileName(file.name);
   constexpr std::size_t kLongestPath = 32768;
   path.resize(kLongestPath, L'\0');
   OPENFILENAMEW dialog{};
@@ -111,7 +134,10 @@ std::optional<std::string> Desktop::AskFileToSave(const ports::FileToSave& file,
 bool Desktop::CopyText(const std::string& text) {
   const std::wstring wide = Wide(text);
   const std::size_t size = (wide.size() + 1) * sizeof(wchar_t);
-  if (!OpenClipboard(nullptr)) return false;
+  // The clipboard takes nothing from whom it cannot name: a window of this moment.
+  const OwnedWindow owner(
+      CreateWindowExW(0, WC_STATICW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, ThisModule(), nullptr));
+  if (!OpenClipboardPatiently(owner.get())) return false;
   EmptyClipboard();
   HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
   bool copied = false;

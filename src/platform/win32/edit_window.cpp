@@ -1,17 +1,28 @@
 // Text fields and masked fields as edit controls.
 #include <string>
+#include <utility>
 
 #include "base/text.h"
 #include "controls/simple_controls.h"
 #include "controls/text_field.h"
 #include "platform/win32/control_window.h"
 #include "platform/win32/edit_text.h"
+#include "platform/win32/settings.h"
 #include "platform/win32/wide_text.h"
 
 namespace quenta::platform {
 namespace {
 
 using controls::Aspect;
+
+WPARAM DecimalSeparator() noexcept {
+  try {
+    const std::wstring separator = Wide(Settings().UserLocale().decimal);
+    if (!separator.empty()) return separator.front();
+  } catch (...) {  // out of memory: numbers are read with either sign
+  }
+  return L'.';
+}
 
 class EditWindow : public ControlWindow {
  public:
@@ -70,7 +81,13 @@ class TextFieldWindow final : public EditWindow {
   void TellTyped(std::string text) override { field_.Typed(std::move(text)); }
   void BeforeKey() noexcept override { field_.SelectionMoved(EditSelection(window())); }
 
+  // Whatever the layout of the keyboard makes of that key.
+  WPARAM CharacterFor(WPARAM unit) noexcept override {
+    return std::exchange(decimal_key_, false) ? DecimalSeparator() : unit;
+  }
+
   std::optional<LRESULT> OnMessage(HWND, UINT message, WPARAM wparam, LPARAM lparam) noexcept override {
+    if (message == WM_KEYDOWN) decimal_key_ = field_.right_aligned && wparam == VK_DECIMAL;
     if (message == WM_GETDLGCODE && field_.multi_line) return DialogCode(lparam);
     if (message == WM_CHAR && wparam == kSelectAllCharacter) {
       Send(EM_SETSEL, 0, -1);
@@ -92,6 +109,7 @@ class TextFieldWindow final : public EditWindow {
   }
 
   controls::TextField& field_;
+  bool decimal_key_ = false;  // the character that comes next is that of the numeric pad's decimal key
 };
 
 class MaskEditWindow final : public EditWindow {

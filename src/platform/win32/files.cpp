@@ -14,6 +14,17 @@ OwnedFile Open(const std::wstring& path, DWORD access, DWORD sharing, DWORD crea
   return OwnedFile(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
+bool WriteAll(HANDLE file, std::string_view bytes) noexcept {
+  while (!bytes.empty()) {
+    constexpr std::size_t kBlock = 1 << 20;
+    DWORD written = 0;
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), kBlock));
+    if (!::WriteFile(file, bytes.data(), size, &written, nullptr) || written == 0) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
 }  // namespace
 
 std::optional<std::string> ReadWholeFile(const std::wstring& path) {
@@ -32,15 +43,12 @@ std::optional<std::string> ReadWholeFile(const std::wstring& path) {
 
 bool WriteWholeFile(const std::wstring& path, std::string_view bytes) noexcept {
   const OwnedFile file = Open(path, GENERIC_WRITE, 0, CREATE_ALWAYS);
-  if (!file) return false;
-  while (!bytes.empty()) {
-    constexpr std::size_t kBlock = 1 << 20;
-    DWORD written = 0;
-    const auto size = static_cast<DWORD>(std::min(bytes.size(), kBlock));
-    if (!::WriteFile(file.get(), bytes.data(), size, &written, nullptr) || written == 0) return false;
-    bytes.remove_prefix(written);
-  }
-  return FlushFileBuffers(file.get());
+  return file && WriteAll(file.get(), bytes) && FlushFileBuffers(file.get());
+}
+
+bool AppendToFile(const std::wstring& path, std::string_view bytes) noexcept {
+  const OwnedFile file = Open(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS);
+  return file && WriteAll(file.get(), bytes);
 }
 
 }  // namespace quenta::platform

@@ -154,8 +154,10 @@ void FormWindow::AddTooltips() {
   for (const auto& control : controls_) {
     const ControlKind kind = control->model().kind();
     if (kind == ControlKind::kFrame || kind == ControlKind::kToolbar || kind == ControlKind::kTabStrip) continue;
-    // A combo box with typing is covered by its edit part.
-    for (HWND part = control->window(); part != nullptr; part = GetWindow(part, GW_CHILD)) {
+    // A combo box with typing is covered by its edit part. A list's header stays out of this: tools are subclassed, and
+    // the list asks its header about every row.
+    HWND part = control->window();
+    for (; part != nullptr; part = kind == ControlKind::kComboBox ? GetWindow(part, GW_CHILD) : nullptr) {
       TTTOOLINFOW tool{};
       tool.cbSize = sizeof(tool);
       tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

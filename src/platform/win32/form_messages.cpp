@@ -63,7 +63,18 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
       Restyle();
       ArrangeControls();
       break;
+    case WM_ACTIVATE:
+      OnActivate(wparam);
+      break;
+    case kDialogMessage:
+      BringDialogToFront(false);
+      return 0;
     case WM_SETCURSOR:
+      // What Windows makes of a click on a disabled window.
+      if (static_cast<SHORT>(LOWORD(lparam)) == HTERROR && HIWORD(lparam) == WM_LBUTTONDOWN &&
+          BringDialogToFront(true)) {
+        return TRUE;
+      }
       if (form_->mouse_pointer() == controls::MousePointer::kHourglass) {
         SetCursor(LoadCursorW(nullptr, IDC_WAIT));
         return TRUE;
@@ -166,6 +177,14 @@ LRESULT FormWindow::OnEndSession(UINT message, WPARAM wparam) {
   return 0;
 }
 
+void FormWindow::OnActivate(WPARAM wparam) noexcept {
+  const bool active = LOWORD(wparam) != WA_INACTIVE;
+  vanished_while_active_ = !active && !closing_ && !IsWindowVisible(window_);
+  if (!active) activate_when_enabled_ = false;  // the user has gone elsewhere
+  // By the task bar or by a program: the form cannot be used, and must not cover the one that can.
+  if (active && !IsWindowEnabled(window_)) PostMessageW(window_, kDialogMessage, 0, 0);
+}
+
 void FormWindow::OnEscape() noexcept {
   if (!IsWindowEnabled(window_)) return;
   for (controls::CommandButton* const button : form_->layout().buttons) {
@@ -185,6 +204,7 @@ void FormWindow::OnDestroyed() noexcept {
     closing_ = true;
     Detach();
     form_->WindowLost();
+    if (vanished_while_active_) ActivateFormer();
   }
   // A copy: what it does may end in this object's destruction.
   const auto gone = gone_;

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "base/error.h"
-#include "platform/win32/column_widths.h"
 #include "platform/win32/dpi.h"
 #include "platform/win32/form_window_messages.h"
+#include "platform/win32/list_memory.h"
 #include "platform/win32/wide_text.h"
 
 namespace quenta::platform {
@@ -93,7 +93,7 @@ void FormWindow::CreateFormWindow(HWND over, const std::vector<RECT>& taken) {
   TakeAppearance();
   ShowMenus();
   BuildControls();
-  RestoreColumns();
+  RestoreLists();
   form_->Attach(this);
   for (const auto& control : controls_) control->model().Attach(this);
   const Rect place = OpeningPlace(over, taken);
@@ -184,6 +184,7 @@ void FormWindow::FocusMoved() noexcept {
   constexpr int kMostMoves = 20;
   for (int i = 0; i < kMostMoves && !closing_; ++i) {
     ControlWindow* const now = Find(GetFocus());
+    if (now != nullptr) last_focus_ = GetFocus();
     if (now == focused_) break;
     if (focused_ != nullptr) {
       ControlWindow* const left = std::exchange(focused_, nullptr);
@@ -203,7 +204,7 @@ void FormWindow::Close() noexcept {
   closing_ = true;
   Detach();
   // Windows would activate whatever window comes next, perhaps another program's.
-  if (GetForegroundWindow() == window_ && IsWindow(over_)) SetForegroundWindow(over_);
+  if (GetForegroundWindow() == window_) ActivateFormer();
   ShowWindow(window_, SW_HIDE);
   if (events_ == 0) DestroyWindow(window_);
 }
@@ -224,12 +225,69 @@ void FormWindow::Detach() noexcept {
   for (const auto& control : controls_) control->model().Attach(nullptr);
 }
 
-void FormWindow::RestoreColumns() {
+// The form that was opened over this one and is still there; null when there is none.
+std::shared_ptr<FormWindow> FormWindow::FormOpenedOver() const noexcept {
+  struct Search {
+    HWND below;
+    std::shared_ptr<FormWindow> found;
+  } search{window_, nullptr};
+  EnumThreadWindows(
+      GetCurrentThreadId(),
+      [](HWND window, LPARAM data) noexcept -> BOOL {
+        auto& wanted = *reinterpret_cast<Search*>(data);
+        const std::shared_ptr<FormWindow> form = OfWindow(window);
+        if (form == nullptr || form->closing_ || form->over_ != wanted.below || !IsWindowVisible(window)) return TRUE;
+        wanted.found = form;
+        return FALSE;
+      },
+      reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+// A form that is disabled shows who keeps it waiting. False when there is no such form.
+bool FormWindow::BringDialogToFront(bool flash) noexcept {
+  if (IsWindowEnabled(window_)) return false;
+  std::shared_ptr<FormWindow> dialog = FormOpenedOver();
+  if (dialog == nullptr) return false;
+  while (const auto next = IsWindowEnabled(dialog->window_) ? nullptr : dialog->FormOpenedOver()) dialog = next;
+  dialog->BringToFront();
+  if (flash) {
+    FLASHWINFO info{sizeof(info), dialog->window_, FLASHW_CAPTION, 4, 70};
+    FlashWindowEx(&info);
+  }
+  return true;
+}
+
+// Where the user goes on when this form closes: the window that it was opened over, or else the next one below it that
+// is the host's or ours.
+HWND FormWindow::WindowToReturnTo() const noexcept {
+  if (IsWindow(over_) && IsWindowVisible(over_)) return over_;
+  for (HWND window = GetWindow(window_, GW_HWNDNEXT); window != nullptr; window = GetWindow(window, GW_HWNDNEXT)) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process == GetCurrentProcessId() && IsWindowVisible(window) && !IsIconic(window) &&
+        GetWindow(window, GW_OWNER) == nullptr) {
+      return window;
+    }
+  }
+  return nullptr;
+}
+
+void FormWindow::ActivateFormer() noexcept {
+  const HWND former = WindowToReturnTo();
+  if (former == nullptr) return;
+  // One that this form has disabled is enabled in a moment, and only then takes the keyboard.
+  const std::shared_ptr<FormWindow> form = IsWindowEnabled(former) ? nullptr : OfWindow(former);
+  if (form != nullptr) form->activate_when_enabled_ = true;
+  SetForegroundWindow(former);
+}
+
+void FormWindow::RestoreLists() {
   const RememberedForm remembered = services_->memory.Recall(form_->name());
   for (const auto& control : controls_) {
-    auto* const columns = dynamic_cast<ColumnWidths*>(control.get());
-    const auto widths = remembered.column_widths.find(control->model().name());
-    if (columns != nullptr && widths != remembered.column_widths.end()) columns->SetWidths(widths->second);
+    auto* const list = dynamic_cast<ListMemory*>(control.get());
+    const auto record = remembered.lists.find(control->model().name());
+    if (list != nullptr && record != remembered.lists.end()) list->Restore(record->second);
   }
 }
 
@@ -242,8 +300,8 @@ void FormWindow::Remember() noexcept {
                       Unscale(rect.bottom - rect.top, dpi_)};
     }
     for (const auto& control : controls_) {
-      if (const auto* const columns = dynamic_cast<const ColumnWidths*>(control.get())) {
-        record.column_widths[control->model().name()] = columns->Widths();
+      if (const auto* const list = dynamic_cast<const ListMemory*>(control.get())) {
+        record.lists[control->model().name()] = list->Remembered();
       }
     }
     services_->memory.Remember(form_->name(), record);
@@ -273,13 +331,24 @@ void FormWindow::FocusControl(const std::string& name) noexcept {
   SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control.window()), TRUE);
 }
 
+void FormWindow::ContextMenu(POINT at, const std::function<void()>& tell) noexcept {
+  const std::shared_ptr<FormWindow> alive = shared_from_this();
+  const std::optional<POINT> before = std::exchange(menu_place_, at);
+  Event(tell);
+  menu_place_ = before;
+}
+
 void FormWindow::PopupMenu(const std::vector<controls::MenuItem>& items) noexcept {
   const DpiScope dpi_scope;
   const std::shared_ptr<FormWindow> alive = shared_from_this();
   Command([&] {
     const MenuWindow menu(items, MenuWindow::Kind::kPopup);
     POINT at{};
-    GetCursorPos(&at);
+    if (menu_place_) {
+      at = *menu_place_;
+    } else {
+      GetCursorPos(&at);
+    }
     const BOOL command = TrackPopupMenu(menu.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, window_, nullptr);
     if (const auto action = menu.Action(static_cast<WORD>(command))) action();
   });
@@ -287,6 +356,15 @@ void FormWindow::PopupMenu(const std::vector<controls::MenuItem>& items) noexcep
 
 void FormWindow::RestoreEnabled() noexcept {
   EnableWindow(window_, form_->enabled() ? TRUE : FALSE);
+  if (!form_->enabled()) return;
+  if (std::exchange(activate_when_enabled_, false)) SetForegroundWindow(window_);
+  // A window that was activated while it was disabled has not taken the keyboard.
+  if (GetActiveWindow() != window_ || Find(GetFocus()) != nullptr) return;
+  if (IsWindowVisible(last_focus_) && IsWindowEnabled(last_focus_)) {
+    SetFocus(last_focus_);
+  } else {
+    FocusFirst();
+  }
 }
 
 void FormWindow::ControlChanged(controls::Control& control, controls::Aspect aspect) noexcept {

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -53,9 +54,10 @@ class FormWindow final : public controls::FormView,
   void Destroy() noexcept;
   // Puts the focus into the control, on whatever page it stands.
   void FocusControl(const std::string& name) noexcept;
-  // Shows a menu at the pointer and runs what is chosen.
+  // Shows a menu where the control that asks wants it, or else at the pointer, and runs what is chosen.
   void PopupMenu(const std::vector<controls::MenuItem>& items) noexcept;
-  // A message box over the form has enabled it when it ended, whatever the model says.
+  // Brings the window into the state that the model says. To be called when a message box over the form has ended,
+  // too: that has enabled it.
   void RestoreEnabled() noexcept;
 
   controls::Form& form() const noexcept { return *form_; }
@@ -81,6 +83,7 @@ class FormWindow final : public controls::FormView,
   std::shared_ptr<void> KeepAlive() noexcept override { return shared_from_this(); }
   void Event(const std::function<void()>& tell) noexcept override;
   void Command(const std::function<void()>& run) noexcept override;
+  void ContextMenu(POINT at, const std::function<void()>& tell) noexcept override;
   void FocusMoved() noexcept override;
   void PageChanged() noexcept override;
   bool IsPage(const controls::Control& frame) const noexcept override;
@@ -113,16 +116,21 @@ class FormWindow final : public controls::FormView,
   // Life (form_window.cpp)
   void CreateFormWindow(HWND over, const std::vector<RECT>& taken);
   Rect OpeningPlace(HWND over, const std::vector<RECT>& taken) const;
-  void RestoreColumns();
+  void RestoreLists();
   void Remember() noexcept;
   void Detach() noexcept;
   void RequestClose() noexcept;
+  std::shared_ptr<FormWindow> FormOpenedOver() const noexcept;
+  bool BringDialogToFront(bool flash) noexcept;
+  HWND WindowToReturnTo() const noexcept;
+  void ActivateFormer() noexcept;
 
   // Messages (form_messages.cpp)
   LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam);
   LRESULT OnCommand(WORD id, WORD code, HWND control);
   LRESULT OnNotify(NMHDR& notification, WPARAM wparam, LPARAM lparam);
   LRESULT OnEndSession(UINT message, WPARAM wparam);
+  void OnActivate(WPARAM wparam) noexcept;
   void OnEscape() noexcept;
   void OnDestroyed() noexcept;
 
@@ -138,6 +146,7 @@ class FormWindow final : public controls::FormView,
   OwnedIcon small_icon_;
   OwnedIcon large_icon_;
   MenuWindow menu_;
+  std::optional<POINT> menu_place_;  // while a control asks for its menu
   HWND tooltips_ = nullptr;
   std::wstring tooltip_text_;
   WindowNames names_;
@@ -149,10 +158,13 @@ class FormWindow final : public controls::FormView,
   std::unordered_map<const controls::Control*, const controls::Control*> field_of_label_;
 
   ControlWindow* focused_ = nullptr;  // the control whose model has been told that it has the focus
+  HWND last_focus_ = nullptr;         // the window that has, or had when it was last in this form, the keyboard
   bool telling_focus_ = false;
   int commands_ = 0;  // running; the focus is not told while there are any
   int events_ = 0;    // running
   bool closing_ = false;
+  bool vanished_while_active_ = false;  // somebody else has hidden or destroyed the window while the user worked in it
+  bool activate_when_enabled_ = false;  // the form that was opened over this one, and disabled it, has closed
 };
 
 }  // namespace quenta::platform

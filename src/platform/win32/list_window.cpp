@@ -5,10 +5,11 @@
 
 #include "base/text.h"
 #include "controls/list_view.h"
-#include "platform/win32/column_widths.h"
 #include "platform/win32/control_window.h"
 #include "platform/win32/dpi.h"
 #include "platform/win32/glyph_images.h"
+#include "platform/win32/list_memory.h"
+#include "platform/win32/settings.h"
 #include "platform/win32/wide_text.h"
 
 namespace quenta::platform {
@@ -22,18 +23,32 @@ constexpr int kImageSize = 16;  // in 1/96 inch
 constexpr UINT kUnchecked = 1;  // state images of a check box
 constexpr UINT kChecked = 2;
 
-class ListWindow final : public ControlWindow, public ColumnWidths {
+// From this number of rows on a list is long. To choose another row in one, some systems go through all rows in search
+// of the one that was chosen: a tenth of a second for 10^5 rows, too slow for a key that repeats. And what is chosen
+// row by row is painted row by row. Both are avoided here by unchoosing rows beforehand, by position and without
+// painting.
+constexpr int kLongList = 2000;
+constexpr std::size_t kManyRows = 100;  // to be chosen or unchosen one by one while they show
+
+bool Pressed(int key) noexcept {
+  return (GetKeyState(key) & 0x8000) != 0;
+}
+
+class ListWindow final : public ControlWindow, public ListMemory {
  public:
   ListWindow(ControlOwner& owner, ListView& list) : ControlWindow(owner, list), list_(list) {}
 
   void Create(HWND parent) override {
-    CreateControl(parent, WC_LISTVIEWW, {}, LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS | LVS_SINGLESEL,
+    CreateControl(parent, WC_LISTVIEWW, {},
+                  LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS | (list_.multi_select ? 0 : LVS_SINGLESEL) |
+                      (list_.sortable ? 0 : LVS_NOSORTHEADER),
                   WS_EX_CLIENTEDGE);
     DWORD style = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP;
     if (list_.check_boxes()) style |= LVS_EX_CHECKBOXES;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, style, static_cast<LPARAM>(style));
     if (list_.check_boxes()) Send(LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
     InsertColumns();
+    ShowSort();
     ModelChanged(Aspect::kItems);
   }
 
@@ -58,8 +73,19 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
       case LVN_ITEMCHANGED:
         TakeSelection(reinterpret_cast<const NMLISTVIEW&>(notification));
         return 0;
+      case LVN_ODSTATECHANGED: {
+        const auto& range = reinterpret_cast<const NMLVODSTATECHANGE&>(notification);
+        TakeMarks(range.iFrom, range.iTo, range.uOldState, range.uNewState);
+        return 0;
+      }
+      case LVN_COLUMNCLICK:
+        TakeColumnClick(reinterpret_cast<const NMLISTVIEW&>(notification).iSubItem);
+        return 0;
       case NM_CLICK:
         TakeClick(reinterpret_cast<const NMITEMACTIVATE&>(notification));
+        return 0;
+      case NM_RCLICK:
+        KeepRowChosen();
         return 0;
       case NM_DBLCLK:
         if (reinterpret_cast<const NMITEMACTIVATE&>(notification).iItem >= 0) Activate();
@@ -88,21 +114,30 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
     ControlWindow::BeforeDestroy();
   }
 
-  std::vector<int> Widths() const override {
-    std::vector<int> widths;
-    for (int i = 0; i < ColumnCount(); ++i) widths.push_back(Unscale(Width(i), owner().dpi()));
-    return widths;
+  RememberedList Remembered() const override {
+    RememberedList list;
+    for (int i = 0; i < ColumnCount(); ++i) list.widths.push_back(Unscale(Width(i), owner().dpi()));
+    if (list_.sortable) list.sort = list_.sort();
+    return list;
   }
 
-  void SetWidths(const std::vector<int>& widths) override {
-    if (static_cast<int>(widths.size()) != ColumnCount()) return;  // remembered by another version
-    for (int i = 0; i < ColumnCount(); ++i) {
-      SetWidth(i, Scale(widths[static_cast<std::size_t>(i)], owner().dpi()));
+  void Restore(const RememberedList& remembered) override {
+    if (static_cast<int>(remembered.widths.size()) == ColumnCount()) {
+      for (int i = 0; i < ColumnCount(); ++i) {
+        SetWidth(i, Scale(remembered.widths[static_cast<std::size_t>(i)], owner().dpi()));
+      }
     }
+    if (!list_.sortable || remembered.sort.column < 0 || remembered.sort.column >= ColumnCount()) return;
+    list_.RestoreSort(remembered.sort);
+    if (list_.Count() > 0) {
+      list_.Sort(remembered.sort, Settings().UserLocale());
+      ModelChanged(Aspect::kItems);
+    }
+    ShowSort();
   }
 
  protected:
-  std::optional<LRESULT> OnMessage(HWND, UINT message, WPARAM wparam, LPARAM lparam) noexcept override {
+  std::optional<LRESULT> OnMessage(HWND part, UINT message, WPARAM wparam, LPARAM lparam) noexcept override {
     if (stale_ && !silent() && message != WM_NCDESTROY && message != WM_DESTROY) {
       const Silence silence(*this);
       TakeRows();
@@ -110,8 +145,11 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
     switch (message) {
       case WM_LBUTTONDOWN:
         told_in_click_ = false;
-        return std::nullopt;
+        return BeforeMouse(part, message, wparam, lparam);
+      case WM_RBUTTONDOWN:
+        return BeforeMouse(part, message, wparam, lparam);
       case WM_KEYDOWN:
+        if (Pressed(VK_CONTROL) && !Pressed(VK_MENU) && Command(wparam)) return 0;
         if (wparam == VK_SPACE && list_.check_boxes()) {
           Toggle(list_.selected());
           return 0;
@@ -120,10 +158,11 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
           if (list_.selected() >= 0) Activate();
           return 0;
         }
+        if (MovesToAnotherRow(wparam)) return WithoutSearch(part, message, wparam, lparam, Pressed(VK_SHIFT));
         return std::nullopt;
       case WM_CHAR:
         // These are keys of the list, not the beginning of a search.
-        if (wparam == VK_RETURN || (wparam == VK_SPACE && list_.check_boxes())) return 0;
+        if (wparam < VK_SPACE || (wparam == VK_SPACE && list_.check_boxes())) return 0;
         return std::nullopt;
       case WM_GETDLGCODE: {
         const auto* const key = reinterpret_cast<const MSG*>(lparam);
@@ -133,7 +172,7 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
       }
       case WM_CONTEXTMENU:
         if (reinterpret_cast<HWND>(wparam) != window()) return std::nullopt;  // the header's
-        owner().Event([this] { list_.ContextMenu(); });
+        AskForMenu(lparam);
         return 0;
       default:
         return std::nullopt;
@@ -171,7 +210,23 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
       shows_images_ = true;
       Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images_.get()));
     }
+    ShowSort();
     ShowSelection(false);
+  }
+
+  // The arrow in the header of the column that the rows are sorted by.
+  void ShowSort() noexcept {
+    if (shown_sort_ == list_.sort()) return;
+    shown_sort_ = list_.sort();
+    const auto header = reinterpret_cast<HWND>(Send(LVM_GETHEADER));
+    for (int i = 0; i < ColumnCount(); ++i) {
+      HDITEMW item{};
+      item.mask = HDI_FORMAT;
+      SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+      item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+      if (i == shown_sort_.column) item.fmt |= shown_sort_.descending ? HDF_SORTDOWN : HDF_SORTUP;
+      SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+    }
   }
 
   void FillCell(LVITEMW& item) noexcept {
@@ -207,10 +262,20 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
   }
 
   void TakeSelection(const NMLISTVIEW& change) noexcept {
-    const bool now_selected = (change.uNewState & LVIS_SELECTED) != 0 && (change.uOldState & LVIS_SELECTED) == 0;
-    if (silent() || !now_selected || change.iItem < 0) return;
+    if (silent()) return;
+    // Position -1 stands for all rows.
+    TakeMarks(std::max(change.iItem, 0), change.iItem < 0 ? list_.Count() - 1 : change.iItem, change.uOldState,
+              change.uNewState);
+    // Where many rows can be marked, the one chosen is the one that has the focus.
+    const UINT mark = list_.multi_select ? LVIS_FOCUSED : LVIS_SELECTED;
+    if ((change.uNewState & ~change.uOldState & mark) == 0 || change.iItem < 0) return;
     told_in_click_ = true;
     owner().Event([&] { list_.Clicked(change.iItem); });
+  }
+
+  void TakeMarks(int first, int last, UINT before, UINT after) noexcept {
+    if (silent() || !list_.multi_select || ((before ^ after) & LVIS_SELECTED) == 0) return;
+    list_.Marked(first, last, (after & LVIS_SELECTED) != 0);
   }
 
   void TakeClick(const NMITEMACTIVATE& click) noexcept {
@@ -221,13 +286,105 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
       if (hit.iItem >= 0 && (hit.flags & LVHT_ONITEMSTATEICON) != 0) Toggle(hit.iItem);
     }
     if (click.iItem < 0) {
-      // A click beside the rows leaves the row chosen that was.
-      const Silence silence(*this);
-      ShowSelection(false);
+      KeepRowChosen();
     } else if (!told_in_click_) {
       owner().Event([&] { list_.Clicked(click.iItem); });
     }
     told_in_click_ = false;
+  }
+
+  // A click beside the rows leaves the row chosen that was.
+  void KeepRowChosen() noexcept {
+    if (list_.multi_select) return;
+    const Silence silence(*this);
+    ShowSelection(false);
+  }
+
+  void TakeColumnClick(int column) noexcept {
+    owner().Event([&] { list_.ColumnClicked(column); });
+    ShowSort();
+  }
+
+  // The list's own keys with Ctrl. True when this was one.
+  bool Command(WPARAM key) noexcept {
+    if (key == 'C' || key == VK_INSERT) {
+      owner().Event([this] { list_.Copy(); });
+      return true;
+    }
+    // Who has no mouse sorts by the column's number.
+    const auto column = static_cast<int>(key) - '1';
+    if (list_.sortable && column >= 0 && column < std::min(ColumnCount(), 9)) {
+      TakeColumnClick(column);
+      return true;
+    }
+    if (key != 'A' || !list_.multi_select) return false;
+    list_.Marked(0, list_.Count() - 1, true);
+    const Silence silence(*this);
+    ShowSelection(false);
+    return true;
+  }
+
+  // Whether the key takes the choice from the row that has it to another one.
+  bool MovesToAnotherRow(WPARAM key) const noexcept {
+    if (list_.Count() < kLongList || (list_.multi_select && Pressed(VK_CONTROL))) return false;
+    const int row = list_.selected();
+    if (row < 0 || RowState(row, LVIS_FOCUSED) == 0) return false;
+    if (key == VK_UP || key == VK_PRIOR || key == VK_HOME) return row > 0;
+    return (key == VK_DOWN || key == VK_NEXT || key == VK_END) && row < list_.Count() - 1;
+  }
+
+  std::optional<LRESULT> BeforeMouse(HWND part, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+    if (list_.Count() < kLongList) return std::nullopt;
+    const bool range = (wparam & MK_SHIFT) != 0;
+    if (list_.multi_select && (wparam & MK_CONTROL) != 0) return std::nullopt;
+    LVHITTESTINFO hit{};
+    hit.pt = {static_cast<SHORT>(LOWORD(lparam)), static_cast<SHORT>(HIWORD(lparam))};
+    Send(LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    if (hit.iItem < 0 || (hit.flags & LVHT_ONITEMSTATEICON) != 0) return std::nullopt;
+    // The menu of several rows is asked for by the right button on one of them.
+    if (message == WM_RBUTTONDOWN && RowState(hit.iItem, LVIS_SELECTED) != 0) return std::nullopt;
+    return WithoutSearch(part, message, wparam, lparam, range);
+  }
+
+  // Lets a long list act on a message that chooses another row, or a range of rows.
+  std::optional<LRESULT> WithoutSearch(HWND part, UINT message, WPARAM wparam, LPARAM lparam, bool range) noexcept {
+    {
+      const Silence silence(*this);
+      if (list_.multi_select) {
+        ClearMarks();
+        list_.Marked(0, list_.Count() - 1, false);
+      } else if (list_.selected() >= 0) {
+        SetRowState(list_.selected(), 0, LVIS_SELECTED);
+      }
+    }
+    if (!range || !list_.multi_select) return std::nullopt;
+    Send(WM_SETREDRAW, FALSE);
+    const LRESULT result = Default(part, message, wparam, lparam);
+    Send(WM_SETREDRAW, TRUE);
+    return result;
+  }
+
+  // Below the row chosen when a key asks, which makes it the one that has the focus if there is none.
+  void AskForMenu(LPARAM place) noexcept {
+    POINT at{static_cast<SHORT>(LOWORD(place)), static_cast<SHORT>(HIWORD(place))};
+    if (at.x == -1 && at.y == -1) {
+      RECT row{};
+      GetClientRect(window(), &row);
+      row.bottom = row.top;
+      if (list_.Count() > 0) {
+        if (list_.selected() < 0) {
+          const auto focused = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+          SetRowState(std::max(focused, 0), LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        }
+        const auto shown = static_cast<WPARAM>(std::max(list_.selected(), 0));
+        Send(LVM_ENSUREVISIBLE, shown, FALSE);
+        row.left = LVIR_LABEL;
+        Send(LVM_GETITEMRECT, shown, reinterpret_cast<LPARAM>(&row));
+      }
+      at = {row.left, row.bottom};
+      ClientToScreen(window(), &at);
+    }
+    owner().ContextMenu(at, [this] { list_.ContextMenu(); });
   }
 
   void Toggle(int row) noexcept {
@@ -240,23 +397,82 @@ class ListWindow final : public ControlWindow, public ColumnWidths {
     owner().Event([this] { list_.Activated(); });
   }
 
+  UINT RowState(int row, UINT mask) const noexcept {
+    return static_cast<UINT>(Send(LVM_GETITEMSTATE, static_cast<WPARAM>(row), static_cast<LPARAM>(mask)));
+  }
+  // Of all rows when the position is -1.
+  void SetRowState(int row, UINT state, UINT mask) noexcept {
+    LVITEMW item{};
+    item.state = state;
+    item.stateMask = mask;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+  }
+
   void ShowSelection(bool scroll) noexcept {
-    const auto shown = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
     const int row = list_.selected();
-    if (shown != row) {
-      LVITEMW state{};
-      state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-      // By its position: for all rows at once takes seconds in a long list.
-      if (shown >= 0) Send(LVM_SETITEMSTATE, static_cast<WPARAM>(shown), reinterpret_cast<LPARAM>(&state));
-      state.state = LVIS_SELECTED | LVIS_FOCUSED;
-      if (row >= 0) Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
+    if (list_.multi_select) {
+      ShowMarks();
+      if (row >= 0) {
+        SetRowState(row, LVIS_FOCUSED, LVIS_FOCUSED);
+        Send(LVM_SETSELECTIONMARK, 0, row);  // where a range that the user marks begins
+      }
+    } else {
+      ShowChosenRow(row);
     }
     if (scroll && row >= 0) Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+  }
+
+  void ShowChosenRow(int row) noexcept {
+    constexpr UINT kMarks = LVIS_SELECTED | LVIS_FOCUSED;
+    const bool any = Send(LVM_GETSELECTEDCOUNT) > 0;
+    if (row >= 0 ? any && RowState(row, kMarks) == kMarks : !any) return;
+    const auto shown = any ? static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)) : -1;
+    // By its position: for all rows at once takes long in a long list.
+    if (shown >= 0) SetRowState(shown, 0, kMarks);
+    if (row >= 0) SetRowState(row, kMarks, kMarks);
+  }
+
+  void ShowMarks() noexcept {
+    std::vector<int> rows;
+    try {
+      rows = list_.MarkedRows();
+    } catch (...) {  // out of memory: none is shown
+    }
+    if (rows.empty() && Send(LVM_GETSELECTEDCOUNT) == 0) return;
+    Send(WM_SETREDRAW, FALSE);
+    // All rows at once are quicker than most of them one by one.
+    const bool most = rows.size() > static_cast<std::size_t>(list_.Count()) / 2;
+    SetRowState(-1, most ? LVIS_SELECTED : 0, LVIS_SELECTED);
+    auto marked = rows.begin();
+    for (int row = 0; row < list_.Count(); ++row) {
+      const bool is_marked = marked != rows.end() && *marked == row;
+      if (is_marked) ++marked;
+      if (is_marked != most) SetRowState(row, most ? 0 : LVIS_SELECTED, LVIS_SELECTED);
+    }
+    Send(WM_SETREDRAW, TRUE);
+    InvalidateRect(window(), nullptr, FALSE);
+  }
+
+  void ClearMarks() noexcept {
+    std::vector<int> rows;
+    try {
+      rows = list_.MarkedRows();
+    } catch (...) {  // out of memory: the list clears them itself
+      return;
+    }
+    if (rows.size() <= kManyRows) {
+      for (const int row : rows) SetRowState(row, 0, LVIS_SELECTED);
+    } else {
+      Send(WM_SETREDRAW, FALSE);
+      SetRowState(-1, 0, LVIS_SELECTED);
+      Send(WM_SETREDRAW, TRUE);
+    }
   }
 
   ListView& list_;
   ImageList images_;
   UINT dpi_ = 0;
+  controls::ListSort shown_sort_;
   bool stale_ = false;  // the model's rows have changed since the window took their number
   bool shows_images_ = false;
   bool told_in_click_ = false;  // the press of the mouse button has chosen a row already

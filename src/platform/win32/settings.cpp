@@ -150,6 +150,10 @@ std::string Settings::InstallationFolder() {
   return end == std::wstring::npos ? std::string() : Narrow(path.substr(0, end));
 }
 
+bool Settings::AppendFile(const std::string& path, const std::string& bytes) {
+  return AppendToFile(Wide(path), bytes);
+}
+
 void Settings::WriteFile(const std::string& path, const std::string& bytes) {
   if (WriteWholeFile(Wide(path), bytes)) return;
   const DWORD reason = GetLastError();
@@ -160,6 +164,10 @@ void Settings::WriteFile(const std::string& path, const std::string& bytes) {
     case ERROR_WRITE_PROTECT:
       throw base::Error(base::error_number::kPermissionDenied, "Permission denied: " + path);
     case ERROR_PATH_NOT_FOUND:
+    case ERROR_FILE_NOT_FOUND:  // of a file that is created: its drive
+    case ERROR_INVALID_DRIVE:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
     case ERROR_INVALID_NAME:
       throw base::Error(base::error_number::kPathNotFound, "Path not found: " + path);
     case ERROR_DISK_FULL:

@@ -16,6 +16,7 @@ class Settings final : public ports::Settings {
   std::string InstallationFolder() override;
   std::optional<std::string> ReadFile(const std::string& path) override;
   bool ReplaceContents(const std::string& path, const std::string& work_path, const std::string& bytes) override;
+  bool AppendFile(const std::string& path, const std::string& bytes) override;
   void WriteFile(const std::string& path, const std::string& bytes) override;
   base::Locale UserLocale() override;
 };

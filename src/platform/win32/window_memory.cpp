@@ -9,10 +9,12 @@ namespace {
 
 // [frmMain]
 // place=100 80 900 640
-// columns ListView2=200 90 90
+// columns ListView13=90 230 140
+// sort ListView13=0 1
 constexpr std::string_view kPlace = "place";
-constexpr std::string_view kColumns = "columns ";
-constexpr int kLargest = 100000;  // nothing on a screen is larger
+constexpr std::string_view kColumns = "columns ";  // then the list's name
+constexpr std::string_view kSort = "sort ";        // column from 0, and 1 for descending
+constexpr int kLargest = 100000;                   // nothing on a screen is larger
 
 // Nothing unless the whole text is numbers with one blank between them.
 std::optional<std::vector<int>> ParseNumbers(std::string_view text) {
@@ -48,7 +50,9 @@ void TakeEntry(RememberedForm& form, std::string_view name, std::string_view tex
     for (const int width : *numbers) {
       if (width < 0) return;
     }
-    form.column_widths[std::string(name.substr(kColumns.size()))] = *numbers;
+    form.lists[std::string(name.substr(kColumns.size()))].widths = *numbers;
+  } else if (name.starts_with(kSort) && numbers->size() == 2 && (*numbers)[0] >= 0) {
+    form.lists[std::string(name.substr(kSort.size()))].sort = {(*numbers)[0], (*numbers)[1] != 0};
   }
 }
 
@@ -82,8 +86,10 @@ std::string WindowMemory::Serialise() const {
       const RememberedForm::Place& place = *form.place;
       text += std::string(kPlace) + "=" + JoinNumbers({place.left, place.top, place.width, place.height}) + "\r\n";
     }
-    for (const auto& [list, widths] : form.column_widths) {
-      text += std::string(kColumns) + list + "=" + JoinNumbers(widths) + "\r\n";
+    for (const auto& [list, record] : form.lists) {
+      if (!record.widths.empty()) text += std::string(kColumns) + list + "=" + JoinNumbers(record.widths) + "\r\n";
+      if (record.sort.column < 0) continue;
+      text += std::string(kSort) + list + "=" + JoinNumbers({record.sort.column, record.sort.descending}) + "\r\n";
     }
   }
   return text;

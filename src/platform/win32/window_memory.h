@@ -1,5 +1,5 @@
-// What the windows remember between two runs: place, size and column widths of each form. The text of the file, and
-// no file access.
+// What the windows remember between two runs: place and size of each form, and of its lists the widths of the columns
+// and the order of the rows. The text of the file, and no file access.
 #pragma once
 
 #include <map>
@@ -8,7 +8,15 @@
 #include <string_view>
 #include <vector>
 
+#include "controls/list_view.h"
+
 namespace quenta::platform {
+
+struct RememberedList {
+  std::vector<int> widths;  // of the columns, in 1/96 inch
+  controls::ListSort sort;  // in lists that can be sorted
+  bool operator==(const RememberedList&) const = default;
+};
 
 struct RememberedForm {
   struct Place {
@@ -19,7 +27,7 @@ struct RememberedForm {
     bool operator==(const Place&) const = default;
   };
   std::optional<Place> place;
-  std::map<std::string, std::vector<int>> column_widths;  // by the list's name, in 1/96 inch
+  std::map<std::string, RememberedList> lists;  // by name
   bool operator==(const RememberedForm&) const = default;
 };
 

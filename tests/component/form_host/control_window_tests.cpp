@@ -56,32 +56,6 @@ TEST_F(ControlWindowTest, WhatTheModelWritesIsNotEchoedAndNotWrittenWhenEqual) {
   EXPECT_EQ(platform::EditSelection(GetFocus()).start, 3U) << "an equal text leaves the caret alone";
 }
 
-// Completes what is typed, as the name field does, while the list is opened below.
-TEST_F(ControlWindowTest, ACompletionWrittenWhileTypingKeepsTextAndSelection) {
-  Show();
-  form->FXNome.set_text("");
-  form->FXNome.on_change = [&] {
-    const std::string typed = form->FXNome.text();
-    for (int i = 0; i < form->FXNome.ListCount(); ++i) {
-      if (typed.empty() || !base::StartsWithIgnoreCase(form->FXNome.List(i), typed)) continue;
-      form->FXNome.ShowDropDown();
-      form->FXNome.SetListIndex(i);
-      form->FXNome.Select({typed.size(), form->FXNome.List(i).size() - typed.size()});
-      return;
-    }
-  };
-  FocusOn("FXNome");
-  Type("camiso");
-  EXPECT_EQ(form->FXNome.text(), "Camisola");
-  EXPECT_EQ(form->FXNome.ListIndex(), 1);
-  EXPECT_EQ(TextOf("FXNome"), "Camisola");
-  EXPECT_EQ(platform::EditSelection(GetFocus()), (controls::TextRange{6, 2}));
-  EXPECT_TRUE(SendMessageW(Window("FXNome"), CB_GETDROPPEDSTATE, 0, 0));
-  Press(VK_ESCAPE);
-  EXPECT_FALSE(form->Happened("unload")) << "Esc closes the list, not the form";
-  EXPECT_EQ(form->FXNome.text(), TextOf("FXNome"));
-}
-
 TEST_F(ControlWindowTest, TabWalksInReadingOrderAndSkipsWhatCannotBeUsed) {
   Show();
   form->FXMarca.set_enabled(false);
@@ -184,26 +158,6 @@ TEST_F(ControlWindowTest, AnEntryOfAListBoxIsChosenByKeys) {
   Press(VK_DOWN);
   Press('C');
   EXPECT_EQ(form->FXFamilia_ID.ListIndex(), -1) << "a locked box cannot be chosen from";
-}
-
-TEST_F(ControlWindowTest, AComboOfManyEntriesCostsNothingUntilItIsLookedInto) {
-  Show();
-  constexpr int kEntries = 100000;
-  const auto start = std::chrono::steady_clock::now();
-  const auto milliseconds = [&] {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
-  };
-  {
-    const controls::ComboBox::Update update(form->FXNome);
-    for (int i = 0; i < kEntries; ++i) form->FXNome.AddItem("Produto " + base::DecimalText(i));
-  }
-  form->FXNome.set_text("Produto 4711");
-  Pump();
-  RecordProperty("filling_ms", static_cast<int>(milliseconds()));
-  EXPECT_EQ(SendMessageW(Window("FXNome"), CB_GETCOUNT, 0, 0), kEntries + 3) << "anybody who asks finds all of them";
-  RecordProperty("looking_ms", static_cast<int>(milliseconds()));
-  EXPECT_LT(milliseconds(), 5000);
-  EXPECT_EQ(TextOf("FXNome"), "Produto 4711") << "filling the list leaves the text alone";
 }
 
 TEST_F(ControlWindowTest, AListShowsWhatItsModelHolds) {

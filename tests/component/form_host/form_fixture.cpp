@@ -2,6 +2,9 @@
 
 #include <commctrl.h>
 
+#include <chrono>
+#include <map>
+
 #include "platform/win32/wide_text.h"
 
 namespace quenta::tests {
@@ -15,6 +18,53 @@ void Pump() {
       DispatchMessageW(&message);
     }
   }
+}
+
+void SendKeys(int key, const std::vector<int>& modifiers) {
+  std::vector<INPUT> inputs;
+  const auto add = [&](int code, DWORD flags) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = static_cast<WORD>(code);
+    input.ki.dwFlags = flags;
+    inputs.push_back(input);
+  };
+  for (const int modifier : modifiers) add(modifier, 0);
+  add(key, 0);
+  add(key, KEYEVENTF_KEYUP);
+  for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier) add(*modifier, KEYEVENTF_KEYUP);
+  EXPECT_EQ(SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT)), inputs.size());
+}
+
+namespace {
+
+// A timer without a window knows nothing but its number.
+std::map<UINT_PTR, Meanwhile*>& RunningMeanwhile() {
+  static std::map<UINT_PTR, Meanwhile*> running;
+  return running;
+}
+
+}  // namespace
+
+Meanwhile::Meanwhile(std::function<bool()> act)
+    : act_(std::move(act)), timer_(SetTimer(nullptr, 0, 30, &Meanwhile::OnTimer)) {
+  RunningMeanwhile()[timer_] = this;
+}
+
+Meanwhile::~Meanwhile() {
+  RunningMeanwhile().erase(timer_);
+  KillTimer(nullptr, timer_);
+}
+
+void CALLBACK Meanwhile::OnTimer(HWND, UINT, UINT_PTR timer, DWORD) noexcept {
+  const auto found = RunningMeanwhile().find(timer);
+  if (found == RunningMeanwhile().end()) return;
+  Meanwhile& self = *found->second;
+  const bool given_up = --self.left_ < 0;
+  if (!given_up && !self.act_()) return;
+  RunningMeanwhile().erase(timer);
+  KillTimer(nullptr, timer);
+  EXPECT_FALSE(given_up) << "what was waited for has not come";
 }
 
 void FormFixture::TearDown() {
@@ -66,19 +116,28 @@ std::string FormFixture::TextOf(const std::string& name) const {
 }
 
 void FormFixture::Press(int key, std::vector<int> modifiers) {
-  std::vector<INPUT> inputs;
-  const auto add = [&](int code, DWORD flags) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = static_cast<WORD>(code);
-    input.ki.dwFlags = flags;
-    inputs.push_back(input);
-  };
-  for (const int modifier : modifiers) add(modifier, 0);
-  add(key, 0);
-  add(key, KEYEVENTF_KEYUP);
-  for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier) add(*modifier, KEYEVENTF_KEYUP);
-  ASSERT_EQ(SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT)), inputs.size());
+  SendKeys(key, modifiers);
+  Pump();
+}
+
+void FormFixture::TypeUnicode(const std::string& text) {
+  for (const wchar_t unit : platform::Wide(text)) {
+    INPUT inputs[2]{};
+    for (INPUT& input : inputs) {
+      input.type = INPUT_KEYBOARD;
+      input.ki.wScan = unit;
+      input.ki.dwFlags = KEYEVENTF_UNICODE;
+    }
+    inputs[1].ki.dwFlags |= KEYEVENTF_KEYUP;
+    SendInput(2, inputs, sizeof(INPUT));
+    Pump();
+  }
+}
+
+void FormFixture::Click(const std::string& name, POINT at, bool right) {
+  const LPARAM place = MAKELPARAM(at.x, at.y);
+  PostMessageW(Window(name), right ? WM_RBUTTONDOWN : WM_LBUTTONDOWN, right ? MK_RBUTTON : MK_LBUTTON, place);
+  PostMessageW(Window(name), right ? WM_RBUTTONUP : WM_LBUTTONUP, 0, place);
   Pump();
 }
 
@@ -111,6 +170,14 @@ std::string FormFixture::EventsOf(const std::function<void()>& act) {
   std::string text;
   for (const std::string& event : form->events) text += (text.empty() ? "" : ", ") + event;
   return text;
+}
+
+int FormFixture::Milliseconds(const std::function<void()>& act) const {
+  const auto start = std::chrono::steady_clock::now();
+  act();
+  UpdateWindow(window);
+  const auto taken = std::chrono::steady_clock::now() - start;
+  return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(taken).count());
 }
 
 }  // namespace quenta::tests

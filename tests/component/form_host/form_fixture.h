@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,6 +17,25 @@ namespace quenta::tests {
 
 // Runs the host's loop until nothing has come for a moment.
 void Pump();
+
+// Keys as the keyboard gives them, to whatever window has it; nothing is processed yet.
+void SendKeys(int key, const std::vector<int>& modifiers = {});
+
+// Does something again and again from inside a modal loop (of a menu, a dialog of the system), until it returns true.
+class Meanwhile {
+ public:
+  explicit Meanwhile(std::function<bool()> act);
+  ~Meanwhile();
+  Meanwhile(const Meanwhile&) = delete;
+  Meanwhile& operator=(const Meanwhile&) = delete;
+
+ private:
+  static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD) noexcept;
+
+  std::function<bool()> act_;
+  UINT_PTR timer_;
+  int left_ = 200;  // times until somebody has to give up
+};
 
 class FormFixture : public testing::Test {
  protected:
@@ -34,12 +54,18 @@ class FormFixture : public testing::Test {
   // Real input: to whatever window has the keyboard.
   void Press(int key, std::vector<int> modifiers = {});
   void Type(const std::string& letters);
+  // Any text, as an input method or a keyboard with these letters gives it.
+  void TypeUnicode(const std::string& text);
+  // A press of the left or the right mouse button at a place of a control's window.
+  void Click(const std::string& name, POINT at, bool right = false);
   void FocusOn(const std::string& name);
   // As a click on the button does it.
   void PressButton(const std::string& toolbar, const std::string& key);
 
   // The events of the form from now on, as one text.
   std::string EventsOf(const std::function<void()>& act);
+  // How long it takes, with what is painted.
+  int Milliseconds(const std::function<void()>& act) const;
 
   platform::FormHost host{""};
   std::shared_ptr<SampleForm> form = std::make_shared<SampleForm>(host);

@@ -233,7 +233,13 @@ TEST_F(FormHostTest, OpensOverItsCallerAndWhollyOnTheScreen) {
   second->caller.reset();
 }
 
-TEST(FormMemory, PlaceAndColumnsComeBackAndADamagedFileDoesNoHarm) {
+// Rows that were there before the window, as those that a form fills while it loads.
+void AddHistory(SampleForm& form) {
+  for (const char* units : {"5", "20", "7"})
+    form.ListView13.Add(std::string("#") + units, "2024").sub_items = {"", units};
+}
+
+TEST(FormMemory, PlaceColumnsAndOrderComeBackAndADamagedFileDoesNoHarm) {
   const std::string path = TempFile("quenta_form_host_tests\\windows.ini");
   RECT before{};
   {
@@ -244,21 +250,30 @@ TEST(FormMemory, PlaceAndColumnsComeBackAndADamagedFileDoesNoHarm) {
     MoveWindow(window, 40, 50, 850, 720, TRUE);
     before = PlaceOf(window);
     ListView_SetColumnWidth(FirstList(window), 0, 333);
+    form->ListView13.Sort({2, true}, {});
+    form->ListView2.Sort({0, true}, {});
     host.Close(*form);
   }
-  const auto reopen = [&](const std::function<void(HWND)>& check) {
+  const auto reopen = [&](const std::function<void(HWND, SampleForm&)>& check) {
     FormHost host(path);
     const auto form = std::make_shared<SampleForm>(host);
+    AddHistory(*form);
     form->Show();
-    check(host.WindowOf(*form));
+    check(host.WindowOf(*form), *form);
   };
-  reopen([&](HWND window) {
+  reopen([&](HWND window, SampleForm& form) {
     const RECT after = PlaceOf(window);
     EXPECT_TRUE(EqualRect(&before, &after)) << after.left << ' ' << after.top;
     EXPECT_EQ(ListView_GetColumnWidth(FirstList(window), 0), 333);
+    EXPECT_EQ(form.ListView13.sort(), (controls::ListSort{2, true}));
+    EXPECT_EQ(form.ListView13.At(0).key, "#20") << "the rows are in that order already";
+    EXPECT_EQ(form.ListView2.sort(), controls::ListSort{}) << "not a list that the user can sort";
   });
   std::ofstream(path, std::ios::binary) << "[frmAmostra]\nplace=1 2\nplace=x\n[[[\n\xff\xfe columns =";
-  reopen([](HWND window) { EXPECT_TRUE(IsWindowVisible(window)); });
+  reopen([](HWND window, SampleForm& form) {
+    EXPECT_TRUE(IsWindowVisible(window));
+    EXPECT_EQ(form.ListView13.At(0).key, "#5");
+  });
   DeleteFileW(platform::Wide(path).c_str());
   RemoveDirectoryW(platform::Wide(TempFile("quenta_form_host_tests")).c_str());
 }

@@ -12,6 +12,8 @@ SampleForm::SampleForm(ports::FormHost& form_host) : Form(form_host, "frmAmostra
   FXValor.right_aligned = true;
   FXObs.multi_line = true;
   FXCodigo.max_length = 20;
+  ListView13.multi_select = true;
+  ListView13.sortable = true;
   for (controls::Control* control : std::initializer_list<controls::Control*>{&Toolbar1,
                                                                               &Label1,
                                                                               &Frame5,
@@ -61,20 +63,33 @@ SampleForm::SampleForm(ports::FormHost& form_host) : Form(form_host, "frmAmostra
   FXData_Inicio.on_change = note("FXData_Inicio change");
   ListView2.on_item_click = note("ListView2 click");
   ListView2.on_item_activate = note("ListView2 activate");
+  ListView2.on_context_menu = [this] { host().PopupMenu(*this, "mnProdutos"); };
+  ListView2.on_copy = note("ListView2 copy");
   ListView1.on_item_click = note("ListView1 click");
+  ListView13.on_copy = note("ListView13 copy");
+  ListView13.on_column_click = [this](int column) {
+    ListView13.Sort({column, ListView13.sort() == controls::ListSort{column, false}}, {});
+  };
   TabStrip1.on_click = [this] { events.push_back("TabStrip1 " + TabStrip1.selected_key()); };
   Toolbar1.on_button_click = [this](const std::string& key) { events.push_back("Toolbar1 " + key); };
   Toolbar1.on_menu_click = [this](const std::string& key) { events.push_back("Toolbar1 menu " + key); };
   Command1.on_click = note("Command1 click");
   Command2.on_click = [this] { Unload(); };
-  menus_ = {{.name = "mnFicheiro",
-             .caption = "F&icheiro",
-             .items = {{.name = "mnGravar", .caption = "&Gravar", .shortcut = "Ctrl+S", .on_click = note("mnGravar")},
-                       {},
-                       {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}},
-            {.name = "mnStocks",
-             .caption = "Stoc&ks",
-             .items = {{.name = "mnStocksPropriedades", .caption = "&Propriedades…", .enabled = false}}}};
+  menus_ = {
+      {.name = "mnFicheiro",
+       .caption = "F&icheiro",
+       .items = {{.name = "mnGravar", .caption = "&Gravar", .shortcut = "Ctrl+S", .on_click = note("mnGravar")},
+                 {},
+                 {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}},
+      {.name = "mnStocks",
+       .caption = "Stoc&ks",
+       .items = {{.name = "mnStocksPropriedades", .caption = "&Propriedades…", .enabled = false}}},
+      {.name = "mnProdutos",
+       .caption = "&Preços",
+       .in_menu_bar = false,
+       .items = {
+           {.name = "mnNada", .caption = "Nada", .enabled = false, .on_click = note("mnNada")},
+           {.name = "mnProdutosPredef", .caption = "Tornar &predefinido", .on_click = note("mnProdutosPredef")}}}};
   shortcuts_ = {{.key = 'S', .control = true, .run = note("shortcut")}};
   LayOut();
   Fill();

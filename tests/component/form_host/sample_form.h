@@ -72,7 +72,8 @@ class SampleForm final : public controls::Form {
                               {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar"}}};
   controls::Label FXData_Inicio_Label{"FXData_Inicio_Label", "D&esde"};
   controls::DatePicker FXData_Inicio{"FXData_Inicio"};
-  controls::ListView ListView13{"ListView13", {{"Data", 100}, {"Entidade", 240}, {"Quantidade", 100, true}}};
+  controls::ListView ListView13{
+      "ListView13", {{"Data", 100}, {"Entidade", 240}, {"Quantidade", 100, true, controls::SortAs::kNumber}}};
   controls::CommandButton Command1{"Command1", "Aplicar", true};
   controls::CommandButton Command2{"Command2", "Fechar"};
 

@@ -5,7 +5,9 @@
 
 #include <windows.h>
 
+#include "base/error.h"
 #include "platform/win32/files.h"
+#include "platform/win32/handles.h"
 #include "platform/win32/wide_text.h"
 
 namespace quenta::tests {
@@ -85,12 +87,40 @@ TEST_F(SettingsTest, AFileIsReplacedWholeOrNotAtAll) {
   CloseHandle(held);
 }
 
+TEST_F(SettingsTest, AFileIsWrittenOrTheReasonIsToldByItsNumber) {
+  settings_.WriteFile(path_, std::string(5000, 'x'));
+  settings_.WriteFile(path_, "preço");
+  EXPECT_EQ(settings_.ReadFile(path_), "preço") << "in place of a longer one";
+  const auto error_of = [&](const std::string& path) -> int {
+    try {
+      settings_.WriteFile(path, "x");
+    } catch (const base::Error& error) {
+      return error.number();
+    }
+    return 0;
+  };
+  {
+    // As a report is that somebody still reads.
+    const platform::OwnedFile open(
+        CreateFileW(Wide(path_).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_EQ(error_of(path_), base::error_number::kPermissionDenied);
+  }
+  EXPECT_EQ(settings_.ReadFile(path_), "preço") << "what was there stays";
+  EXPECT_EQ(error_of(settings_.TempFolder()), base::error_number::kPermissionDenied) << "a folder";
+  EXPECT_EQ(error_of(settings_.TempFolder() + "\\quenta none\\x.doc"), base::error_number::kPathNotFound);
+  EXPECT_EQ(error_of("Q:\\x.doc"), base::error_number::kPathNotFound);
+}
+
 TEST_F(SettingsTest, FoldersAndLocaleAreTheUsers) {
   constexpr int kAllUsersData = 35;
   const std::string folder = settings_.SpecialFolder(kAllUsersData);
   EXPECT_FALSE(folder.empty());
   EXPECT_FALSE(folder.ends_with('\\'));
   EXPECT_EQ(settings_.SpecialFolder(9999), "");
+  wchar_t program[MAX_PATH];
+  GetModuleFileNameW(nullptr, program, MAX_PATH);
+  const std::string path = Narrow(program);
+  EXPECT_EQ(settings_.InstallationFolder(), path.substr(0, path.rfind('\\')));
   EXPECT_FALSE(settings_.TempFolder().empty());
   EXPECT_FALSE(settings_.TempFolder().ends_with('\\'));
   const base::Locale locale = settings_.UserLocale();

@@ -29,17 +29,9 @@ namespace {
 constexpr const char* kConnection =
     "Provider=SQLOLEDB.1;User ID=suite;Password=Suite-2026;Initial Catalog=Amostra;Data Source=QuentaAmostra";
 
-// The one message box that is waited for: a timer looks for it, more seldom than Pump takes for silence.
-ProductFixture* waiting_for_box = nullptr;
-int box_button = 0;
-UINT_PTR box_timer = 0;
+// The test that runs, for the timer that looks for message boxes: more seldom than Pump takes for silence.
+ProductFixture* current = nullptr;
 constexpr UINT kBoxMilliseconds = 100;
-
-void StopWaiting() {
-  if (box_timer != 0) KillTimer(nullptr, box_timer);
-  box_timer = 0;
-  waiting_for_box = nullptr;
-}
 
 std::string NameOf(HWND window, const wchar_t* property = L"ControlName") {
   const auto value = reinterpret_cast<ULONG_PTR>(GetPropW(window, property));
@@ -129,6 +121,89 @@ void FormOnScreen::TypeOver(const std::string& name, const std::string& text) co
   Pump();
 }
 
+void FormOnScreen::Key(int virtual_key) const {
+  PostMessageW(GetFocus(), WM_KEYDOWN, static_cast<WPARAM>(virtual_key), 1);
+  Pump();
+}
+
+void FormOnScreen::Type(const std::string& text) const {
+  for (const wchar_t letter : ToWide(text)) PostMessageW(GetFocus(), WM_CHAR, letter, 1);
+  Pump();
+}
+
+std::string FormOnScreen::Focused() const {
+  std::string name;
+  for (HWND window = GetFocus(); window != nullptr && window != window_ && name.empty(); window = GetParent(window)) {
+    name = NameOf(window);
+  }
+  return name;
+}
+
+int FormOnScreen::RowCount(const std::string& list) const {
+  return static_cast<int>(SendMessageW(Control(list), LVM_GETITEMCOUNT, 0, 0));
+}
+
+std::string FormOnScreen::Row(const std::string& list, int row) const {
+  const HWND header = reinterpret_cast<HWND>(SendMessageW(Control(list), LVM_GETHEADER, 0, 0));
+  const auto columns = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+  std::string cells;
+  for (int column = 0; column < columns; ++column) {
+    wchar_t text[512] = L"";
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 512;
+    SendMessageW(Control(list), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    cells += (column > 0 ? " | " : "") + FromWide(text);
+  }
+  return cells;
+}
+
+void FormOnScreen::ChooseFromContextMenu(int entry) const {
+  const HWND control = GetFocus();
+  PostMessageW(control, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(control), -1);
+  // The menu's own loop takes these.
+  for (int i = 0; i < entry; ++i) PostMessageW(control, WM_KEYDOWN, VK_DOWN, 1);
+  PostMessageW(control, WM_KEYDOWN, VK_RETURN, 1);
+  Pump();
+}
+
+void FormOnScreen::SelectTab(const std::string& key) const {
+  const HWND tabs = Control("TabStrip1");
+  for (int i = 0; i < 20; ++i) {
+    const std::wstring property = L"Tab" + std::to_wstring(i);
+    if (NameOf(tabs, property.c_str()) != key) continue;
+    // As a click does: the tab strip itself tells its parent only what the user does.
+    RECT tab{};
+    SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&tab));
+    const LPARAM at = MAKELPARAM((tab.left + tab.right) / 2, (tab.top + tab.bottom) / 2);
+    PostMessageW(tabs, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    PostMessageW(tabs, WM_LBUTTONUP, 0, at);
+    Pump();
+    return;
+  }
+  ADD_FAILURE() << "no tab " << key;
+}
+
+int FormOnScreen::TabCount() const {
+  return static_cast<int>(SendMessageW(Control("TabStrip1"), TCM_GETITEMCOUNT, 0, 0));
+}
+
+void FormOnScreen::ClickHeader(const std::string& list, int column) const {
+  const HWND header = reinterpret_cast<HWND>(SendMessageW(Control(list), LVM_GETHEADER, 0, 0));
+  RECT place{};
+  SendMessageW(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&place));
+  const LPARAM at = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
+  PostMessageW(header, WM_LBUTTONDOWN, MK_LBUTTON, at);
+  PostMessageW(header, WM_LBUTTONUP, 0, at);
+  Pump();
+}
+
+void FormOnScreen::PressCommand(const std::string& button) const {
+  PostMessageW(Control(button), BM_CLICK, 0, 0);
+  Pump();
+}
+
 void FormOnScreen::PressButton(const std::string& toolbar, const std::string& key) const {
   const HWND bar = Control(toolbar);
   for (int i = 0; i < 50; ++i) {
@@ -153,6 +228,8 @@ ProductFixture::ProductFixture() {
   const Variant text{std::string_view(kConnection)};
   CallMethod(*database_.Get(), L"Open", {&text});
   Reports();
+  current = this;
+  box_timer_ = SetTimer(nullptr, 0, kBoxMilliseconds, LookForBox);
 }
 
 ProductFixture::~ProductFixture() {
@@ -160,7 +237,8 @@ ProductFixture::~ProductFixture() {
     AnswerNext(IDNO);
     form.Close();
   }
-  StopWaiting();
+  KillTimer(nullptr, box_timer_);
+  current = nullptr;
   database_ = {};
   Pump();
   CoUninitialize();
@@ -202,40 +280,73 @@ void ProductFixture::Open(IDispatch& general, const Variant& key) {
   Pump();
 }
 
-std::vector<FormOnScreen> ProductFixture::Forms() {
-  std::vector<FormOnScreen> forms;
+void ProductFixture::New(IDispatch& general) {
+  const Variant nothing(static_cast<IDispatch*>(nullptr));
+  const Variant text{std::string_view("")};
+  const Variant zero(0);
+  CallMethod(general, L"ObjectNew", {&nothing, &text, &text, &nothing, &zero, &nothing, &zero});
+  Pump();
+}
+
+std::vector<FormOnScreen> ProductFixture::Forms(const std::string& name) {
+  struct Search {
+    const std::string& name;
+    std::vector<FormOnScreen> forms;
+  } search{name, {}};
   EnumThreadWindows(
       GetCurrentThreadId(),
       [](HWND window, LPARAM data) noexcept -> BOOL {
-        if (IsWindowVisible(window) && NameOf(window) == "frmMain") {
-          reinterpret_cast<std::vector<FormOnScreen>*>(data)->emplace_back(window);
-        }
+        auto& wanted = *reinterpret_cast<Search*>(data);
+        if (IsWindowVisible(window) && NameOf(window) == wanted.name) wanted.forms.emplace_back(window);
         return TRUE;
       },
-      reinterpret_cast<LPARAM>(&forms));
-  return forms;
+      reinterpret_cast<LPARAM>(&search));
+  return search.forms;
 }
 
-void ProductFixture::AnswerNext(int button) {
-  StopWaiting();
-  waiting_for_box = this;
-  box_button = button;
+FormOnScreen ProductFixture::FormNamed(const std::string& name) {
+  const std::vector<FormOnScreen> forms = Forms(name);
+  return forms.empty() ? FormOnScreen(nullptr) : forms.front();
+}
+
+void ProductFixture::AnswerNext(std::vector<int> buttons) {
+  box_buttons_ = std::move(buttons);
   box_text.clear();
   box_title.clear();
-  box_timer = SetTimer(nullptr, 0, kBoxMilliseconds, LookForBox);
 }
 
 // A message box is its thread's active dialog while it is open; its loop delivers our timer.
 void CALLBACK ProductFixture::LookForBox(HWND, UINT, UINT_PTR, DWORD) noexcept {
   const HWND box = FindWindowW(L"#32770", nullptr);
-  if (waiting_for_box == nullptr || box == nullptr) return;
+  if (current == nullptr || box == nullptr || box == current->answered_) return;
   if (GetWindowThreadProcessId(box, nullptr) != GetCurrentThreadId()) return;
-  waiting_for_box->box_title = WindowText(box);
+  current->box_title = WindowText(box);
+  current->box_text.clear();
   for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-    if (ClassOf(child) == "static") waiting_for_box->box_text += WindowText(child);
+    if (ClassOf(child) == "static") current->box_text += WindowText(child);
   }
-  StopWaiting();
-  PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(box_button), 0);
+  current->answered_ = box;
+  std::vector<int>& buttons = current->box_buttons_;
+  if (buttons.empty()) {
+    ADD_FAILURE() << "nobody expected this box: " << current->box_text;
+    buttons = {GetDlgItem(box, IDCANCEL) != nullptr ? IDCANCEL : GetDlgItem(box, IDNO) != nullptr ? IDNO : IDOK};
+  }
+  PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(buttons.front()), 0);
+  buttons.erase(buttons.begin());
+}
+
+FormOnScreen FormTest::OpenCode(const std::string& code) {
+  OpenId(*general.Get(), IdOfCode(code));
+  const std::vector<FormOnScreen> forms = Forms();
+  EXPECT_FALSE(forms.empty()) << code;
+  return forms.empty() ? FormOnScreen(nullptr) : forms.front();
+}
+
+FormOnScreen FormTest::NewProduct() {
+  New(*general.Get());
+  const std::vector<FormOnScreen> forms = Forms();
+  EXPECT_EQ(forms.size(), 1U);
+  return forms.empty() ? FormOnScreen(nullptr) : forms.front();
 }
 
 std::string ProductFixture::Sql(const std::string& statement) {

@@ -10,6 +10,7 @@
 
 #include <windows.h>
 
+#include "platform/automation/com_ptr.h"
 #include "platform/automation/dispatch.h"
 
 namespace quenta::tests {
@@ -35,7 +36,21 @@ class FormOnScreen {
   // As a person does it: keys to whatever has the focus.
   void FocusOn(const std::string& name) const;
   void TypeOver(const std::string& name, const std::string& text) const;
+  // A key to the control that has the focus; characters as they are typed there.
+  void Key(int virtual_key) const;
+  void Type(const std::string& text) const;
   void PressButton(const std::string& toolbar, const std::string& key) const;
+  // The name of the control that has the focus.
+  std::string Focused() const;
+  // The cells of a list's row, separated by " | ".
+  std::string Row(const std::string& list, int row) const;
+  int RowCount(const std::string& list) const;
+  // The context menu of the control that has the focus, as the menu key opens it: the entry this far down is chosen.
+  void ChooseFromContextMenu(int entry) const;
+  void SelectTab(const std::string& key) const;
+  int TabCount() const;
+  void ClickHeader(const std::string& list, int column) const;
+  void PressCommand(const std::string& button) const;
   void Close() const;  // the close box
 
  private:
@@ -60,10 +75,14 @@ class ProductFixture : public testing::Test {
   void OpenId(IDispatch& general, int id) { Open(general, platform::Variant(id)); }
 
   // The product forms that are on the screen, the one shown last first.
-  std::vector<FormOnScreen> Forms();
+  std::vector<FormOnScreen> Forms(const std::string& name = "frmMain");
+  // The form of this name on the screen; one without a window when there is none.
+  FormOnScreen FormNamed(const std::string& name);
 
-  // Answers the next message box with this button, and keeps its text and title.
-  void AnswerNext(int button);
+  // Answers the next message boxes with these buttons, and keeps the text and title of the last. A box that nobody
+  // expects fails the test and is closed.
+  void AnswerNext(std::vector<int> buttons);
+  void AnswerNext(int button) { AnswerNext(std::vector<int>{button}); }
 
   // The database as another user sees it: the first column of the first row, "" for null, "(none)" without a row.
   std::string Sql(const std::string& statement);
@@ -74,6 +93,9 @@ class ProductFixture : public testing::Test {
   // What the component has reported since the last call, a line for each report.
   std::vector<std::string> Reports();
 
+  // Lets a new product be asked for as ObjectNew does.
+  void New(IDispatch& general);
+
   std::string box_text;
   std::string box_title;
 
@@ -81,7 +103,21 @@ class ProductFixture : public testing::Test {
   static void CALLBACK LookForBox(HWND, UINT, UINT_PTR, DWORD) noexcept;
 
   platform::ComPtr<IDispatch> database_;
+  UINT_PTR box_timer_ = 0;
+  std::vector<int> box_buttons_;  // for the boxes to come
+  HWND answered_ = nullptr;
   std::size_t reports_seen_ = 0;
+};
+
+// With a session that is open.
+class FormTest : public ProductFixture {
+ protected:
+  void SetUp() override { ASSERT_TRUE(LogIn(*general.Get())); }
+  FormOnScreen OpenCode(const std::string& code);
+  // The only form on the screen after a new product was asked for.
+  FormOnScreen NewProduct();
+
+  platform::ComPtr<IDispatch> general = NewGeneral();
 };
 
 }  // namespace quenta::tests

@@ -84,19 +84,6 @@ TEST_F(ConnectingTest, LoginNeedsEverySetting) {
   EXPECT_TRUE(Reports().empty());
 }
 
-class FormTest : public ProductFixture {
- protected:
-  void SetUp() override { ASSERT_TRUE(LogIn(*general.Get())); }
-  FormOnScreen OpenCode(const std::string& code) {
-    OpenId(*general.Get(), IdOfCode(code));
-    const std::vector<FormOnScreen> forms = Forms();
-    EXPECT_FALSE(forms.empty()) << code;
-    return forms.empty() ? FormOnScreen(nullptr) : forms.front();
-  }
-
-  platform::ComPtr<IDispatch> general = NewGeneral();
-};
-
 TEST_F(FormTest, EveryRecordFieldShowsWhatTheDatabaseHolds) {
   const char* const codes[] = {"10000", "10006", "10300-CS-42", "10121-AZ", "10028",        "A10",
                                "10466", "10017", "10702",       "T-FIS",    "2099000105266"};
@@ -182,13 +169,7 @@ TEST_F(FormTest, ClosingWithChangesAsks) {
 }
 
 TEST_F(FormTest, ANewProductIsCreatedTypedSavedAndFoundAgain) {
-  const Variant nothing(static_cast<IDispatch*>(nullptr));
-  const Variant text{std::string_view("")};
-  const Variant zero(0);
-  platform::CallMethod(*general.Get(), L"ObjectNew", {&nothing, &text, &text, &nothing, &zero, &nothing, &zero});
-  Pump();
-  ASSERT_EQ(Forms().size(), 1U);
-  const FormOnScreen form = Forms()[0];
+  const FormOnScreen form = NewProduct();
   const std::string code = form.Text("FXCodigo");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM tbProdutos WHERE codigo = '" + code + "'"), "1");
   form.TypeOver("FXNome", "Produto novo");

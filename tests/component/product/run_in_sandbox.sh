@@ -14,6 +14,8 @@ PREFIX=$SANDBOX/prefix
 DATABASE=$SANDBOX/catalogo.db
 export QUENTA_SANDBOX_REPORTS
 QUENTA_SANDBOX_REPORTS=$(windows_path "$SANDBOX/reports.log")
+# One product has a history as long as they come.
+CATALOGUE_OPTIONS=(--history 100000)
 mkdir -p "$SANDBOX"
 rm -f "$SANDBOX/reports.log"
 make_catalogue
@@ -25,5 +27,9 @@ has_display || start_display
 prefix_is_prepared "$PREFIX" || prepare_prefix "$PREFIX"
 # Without a window manager, Wine waits two seconds for one whenever a window goes.
 wine64 reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
+# What opens documents here keeps a copy of them.
+mkdir -p "$PREFIX/drive_c/opened"
+wine64 reg add 'HKCR\.doc' /ve /d QuentaDocumento /f
+wine64 reg add 'HKCR\QuentaDocumento\shell\open\command' /ve /d 'cmd.exe /c copy /y "%1" C:\opened' /f
 export WINEDEBUG=-all
 wine64 "$(windows_path "$program")" "$@"

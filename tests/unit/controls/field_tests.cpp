@@ -175,6 +175,20 @@ TEST(FieldEntry, AnEmptiedFieldKeepsItsRawValueAndIsSavedAsNull) {
   EXPECT_EQ(controls::GetFieldValue(field, 4, Points()), "null");
 }
 
+// Numbers come from the numeric pad, whose decimal key is not the same everywhere, and from two habits of writing.
+TEST(FieldEntry, BothDecimalSignsWorkInEveryNumericFieldWhateverTheLocale) {
+  for (const base::Locale& locale : {PortugueseLocale(), Points(), EnglishLocale()}) {
+    for (const int code : {2, 4, 5, 7, 8, 10}) {
+      for (const char* typed : {"12.5", "12,5", " 12,5 ", "12.50", "12,50"}) {
+        TextField field("FX");
+        field.Typed(typed);
+        controls::FieldLostFocus(field, code, locale);
+        EXPECT_EQ(controls::GetFieldValue(field, code, locale), code == 5 ? "0.125" : "12.5") << typed << ' ' << code;
+      }
+    }
+  }
+}
+
 TEST(FieldEntry, WorksWithAnEnglishLocale) {
   TextField field("FX");
   field.Typed("1.234,50");

@@ -65,7 +65,7 @@ class SampleDatabase {
     std::filesystem::create_directory(folder_);
     SampleFiles files;
     files.file.database = (folder_ / "sample.db").string();
-    files.file.extension = QUENTA_SQLITE_EXTENSION;
+    files.file.extension = sandbox::BuiltExtension();
     files.odbc_ini = (folder_ / "odbc.ini").string();
     files.data_sources = {name};
     MakeSampleDatabase(files, options);

@@ -126,9 +126,16 @@ TEST(MovedInside, KeepsSizeWherePossibleAndAlwaysStaysInside) {
 
 TEST(WindowMemory, KeepsWhatItWasToldAndNothingOfWhatItCannotRead) {
   platform::WindowMemory memory;
-  memory.Remember("frmMain", {{{-1200, 5, 900, 640}}, {{"ListView2", {200, 0, 90}}, {"ListView1", {10}}}});
+  memory.Remember(
+      "frmMain",
+      {{{-1200, 5, 900, 640}},
+       {{"ListView2", {{200, 0, 90}, {}}}, {"ListView13", {{90, 230}, {1, true}}}, {"ListView3", {{}, {0, false}}}}});
   memory.Remember("frmStocks", {});
   EXPECT_EQ(platform::WindowMemory::Parse(memory.Serialise()), memory);
+  const auto before_sorting =
+      platform::WindowMemory::Parse("[frmMain]\r\nplace=1 2 3 4\r\ncolumns ListView13=90 230\r\n");
+  EXPECT_EQ(before_sorting.Find("frmMain").lists.at("ListView13"), (platform::RememberedList{{90, 230}, {}}))
+      << "a file of the time when lists could not be sorted";
 
   const struct {
     const char* text;
@@ -140,13 +147,14 @@ TEST(WindowMemory, KeepsWhatItWasToldAndNothingOfWhatItCannotRead) {
       {"[frmMain]\nplace=1 2 0 4\n", "no width"},
       {"[frmMain]\nplace=1 2 3 99999999999999999999\n", "a number out of range"},
       {"[frmMain]\nplace=1  2 3 4\ncolumns L=-1\ncolumns=4\nplace\n=\n", "stray text"},
+      {"[frmMain]\nsort L=-1 0\nsort L=1\nsort L=1 0 0\nsort L=x 0\n", "no order"},
       {"[frmMain\nplace=1 2 3 4\n", "an open bracket"},
       {"\xFF\xFE[\0f", "another encoding"},
   };
   for (const auto& [text, what] : damaged) {
     const platform::WindowMemory read = platform::WindowMemory::Parse(text);
     EXPECT_FALSE(read.Find("frmMain").place.has_value()) << what;
-    EXPECT_TRUE(read.Find("frmMain").column_widths.empty()) << what;
+    EXPECT_TRUE(read.Find("frmMain").lists.empty()) << what;
   }
 }
 

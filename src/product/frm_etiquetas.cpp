@@ -1,0 +1,155 @@
+#include "product/frm_etiquetas.h"
+
+#include <algorithm>
+#include <charconv>
+#include <initializer_list>
+#include <utility>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "product/documents.h"
+
+namespace quenta::product {
+namespace {
+
+constexpr session::Labels kLabels{kDocumentLabels.product, kDocumentLabels.project, "frmEtiquetas",
+                                  kDocumentLabels.style};
+// A hundred sheets: more than that is a slip of the finger.
+constexpr std::size_t kMostLabels = 2400;
+constexpr std::size_t kCodesToName = 10;
+
+std::string Count(std::size_t number) {
+  return base::DecimalText(static_cast<long long>(number));
+}
+
+}  // namespace
+
+frmEtiquetas::frmEtiquetas(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
+                           const std::shared_ptr<frmMain>& opener, LabelChoice choice)
+    : Form(host, "frmEtiquetas"),
+      session_(session),
+      forms_(forms),
+      opener_(opener),
+      choice_(std::move(choice)),
+      positions_(LabelsOnSheet(choice_.sheet_template)) {
+  if (positions_ == 0) {
+    throw base::Error(base::error_number::kInvalidCall, std::string(kSheetTemplate) + " has no place for a label");
+  }
+  set_caption("Etiquetas");
+  LayOut();
+  Option1.on_click = [this] { EnableFields(); };
+  Option2.on_click = [this] { EnableFields(); };
+  Command1.on_click = [this] { Command1_Click(); };
+  Command2.on_click = [this] { Unload(); };
+}
+
+ports::HostObjectRef frmEtiquetas::Caller() const {
+  const auto opener = opener_.lock();
+  return opener != nullptr ? opener->Caller() : nullptr;
+}
+
+void frmEtiquetas::LayOut() {
+  for (controls::Control* control :
+       std::initializer_list<controls::Control*>{&Label1, &Frame1, &Option1, &Option2, &FXQuantidade_Label,
+                                                 &FXQuantidade, &FXPosicao_Label, &FXPosicao, &Command1, &Command2}) {
+    Add(*control);
+  }
+  FXQuantidade.right_aligned = true;
+  FXPosicao.right_aligned = true;
+  FXQuantidade.max_length = 4;
+  FXPosicao.max_length = 4;
+  Frame1.rows = {{{{&Option1, nullptr, 12}}},
+                 {{{&Option2, nullptr, 12}}},
+                 {{{&FXQuantidade, &FXQuantidade_Label, 6}, {&FXPosicao, &FXPosicao_Label, 6}}}};
+  layout_.note = &Label1;
+  layout_.frames = {&Frame1};
+  layout_.buttons = {&Command1, &Command2};
+  layout_.minimum_width = 420;
+  layout_.minimum_height = 220;
+  layout_.initial_width = 420;
+  layout_.initial_height = 240;
+  layout_.resizable = false;
+}
+
+void frmEtiquetas::OnLoad() {
+  forms_.Add(*this);
+  if (const auto opener = opener_.lock()) opener->set_enabled(false);
+  const std::size_t dependants = choice_.dependants.size();
+  Label1.set_caption(choice_.product.codigo + "  " + choice_.product.nome);
+  if (dependants > 0) {
+    Label1.set_caption(Label1.caption() +
+                       (dependants == 1 ? " (1 dependente)" : " (" + Count(dependants) + " dependentes)"));
+    FXQuantidade_Label.set_caption("&Quantas de cada dependente");
+  }
+  FXPosicao_Label.set_caption("&Primeira posição livre (1 a " + Count(positions_) + ")");
+  Option1.set_value(dependants == 0);
+  Option2.set_value(dependants > 0);
+  FXQuantidade.set_text("1");
+  FXPosicao.set_text("1");
+  EnableFields();
+}
+
+void frmEtiquetas::OnClosed() noexcept {
+  forms_.Remove(*this);
+  if (const auto opener = opener_.lock()) opener->Reactivate(1, *this);
+}
+
+void frmEtiquetas::EnableFields() {
+  for (controls::Control* control :
+       std::initializer_list<controls::Control*>{&FXQuantidade_Label, &FXQuantidade, &FXPosicao_Label, &FXPosicao}) {
+    control->set_enabled(Option2.value());
+  }
+}
+
+void frmEtiquetas::Command1_Click() {
+  session::Guarded(session_.ports().error_reporting, kLabels, "Command1_Click", [&] {
+    const auto run = Run();
+    if (!run) return;
+    const bool sheet = Option2.value();
+    const std::string& label_template = sheet ? choice_.sheet_template : choice_.label_template;
+    TellOfCodesWithoutBars(CodesWithoutBars(label_template, *run));
+    const std::string path = DocumentPath(session_, sheet ? kSheetTemplate : kLabelTemplate);
+    if (!WriteDocument(session_, path, FillLabels(label_template, *run), *this)) return;
+    OpenDocument(session_, path, *this);
+    Unload();
+  });
+}
+
+// What the fields say; nothing when the user has to correct it.
+std::optional<LabelRun> frmEtiquetas::Run() {
+  if (!Option2.value()) return LabelRun{.labels = {choice_.product}};
+  LabelRun run;
+  run.labels = choice_.dependants.empty() ? std::vector<ProductLabel>{choice_.product} : choice_.dependants;
+  const std::size_t most = std::max<std::size_t>(kMostLabels / run.labels.size(), 1);
+  const auto copies = Number(FXQuantidade, "Indique quantas etiquetas quer", most);
+  if (!copies) return std::nullopt;
+  const auto position = Number(FXPosicao, "Indique a primeira posição livre da folha", positions_);
+  if (!position) return std::nullopt;
+  run.copies = *copies;
+  run.first_position = *position;
+  return run;
+}
+
+// A whole number from 1 to the most; anything else is refused, and the user is taken to the field.
+std::optional<std::size_t> frmEtiquetas::Number(controls::TextField& field, const std::string& question,
+                                                std::size_t most) {
+  const std::string_view text = base::Trim(field.text());
+  std::size_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc() && end == text.data() + text.size() && number >= 1 && number <= most) return number;
+  TellAboutDocuments(session_, question + ": um número de 1 a " + Count(most) + ".", *this);
+  field.SelectAll();
+  host().Focus(*this, field.name().c_str());
+  return std::nullopt;
+}
+
+void frmEtiquetas::TellOfCodesWithoutBars(const std::vector<std::string>& codes) {
+  if (codes.empty()) return;
+  std::string named;
+  for (std::size_t i = 0; i < std::min(codes.size(), kCodesToName); ++i) named += (i > 0 ? ", " : "") + codes[i];
+  if (codes.size() > kCodesToName) named += " …";
+  TellAboutDocuments(session_, "Estes códigos não cabem num código de barras; as suas etiquetas saem sem ele: " + named,
+                     *this);
+}
+
+}  // namespace quenta::product

@@ -1,0 +1,68 @@
+// The small form in which the user says how many labels to print, and where on the sheet they begin.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "component/session/session.h"
+#include "controls/form.h"
+#include "controls/simple_controls.h"
+#include "controls/text_field.h"
+#include "hosting/forms.h"
+#include "product/frm_main.h"
+#include "product/labels.h"
+
+namespace quenta::product {
+
+// What can be printed for a product.
+struct LabelChoice {
+  ProductLabel product;
+  std::vector<ProductLabel> dependants;  // when there are any, a sheet takes theirs instead of the product's own
+  std::string label_template;
+  std::string sheet_template;
+};
+
+class frmEtiquetas final : public controls::Form {
+ public:
+  // The product form is disabled until this one closes. Error 5 when the sheet's template has no place for a label.
+  frmEtiquetas(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
+               const std::shared_ptr<frmMain>& opener, LabelChoice choice);
+
+  ports::HostObjectRef Caller() const override;
+
+  // Prints what was chosen, and closes. What cannot be printed is refused with a message.
+  void Command1_Click();
+
+  controls::Label Label1{"Label1", ""};
+  controls::OptionButton Option1{"Option1", "&Uma etiqueta"};
+  controls::OptionButton Option2{"Option2", "&Folha de etiquetas"};
+  controls::Label FXQuantidade_Label{"FXQuantidade_Label", "&Quantas etiquetas"};
+  controls::TextField FXQuantidade{"FXQuantidade"};
+  controls::Label FXPosicao_Label{"FXPosicao_Label", "&Primeira posição livre"};
+  controls::TextField FXPosicao{"FXPosicao"};
+  controls::CommandButton Command1{"Command1", "&Imprimir", true};
+  controls::CommandButton Command2{"Command2", "Cancelar", false, true};
+  controls::Frame Frame1{"Frame1"};
+
+ protected:
+  void OnLoad() override;
+  void OnClosed() noexcept override;
+
+ private:
+  void LayOut();
+  void EnableFields();
+  std::optional<LabelRun> Run();
+  std::optional<std::size_t> Number(controls::TextField& field, const std::string& question, std::size_t most);
+  void TellOfCodesWithoutBars(const std::vector<std::string>& codes);
+
+  session::Session& session_;
+  hosting::Forms& forms_;
+  std::weak_ptr<frmMain> opener_;
+  LabelChoice choice_;
+  std::size_t positions_;  // on a sheet
+};
+
+}  // namespace quenta::product

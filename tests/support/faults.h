@@ -1,0 +1,32 @@
+// Which call of the outside goes wrong, and how: one plan, shared by whatever stands in for the outside.
+#pragma once
+
+#include <chrono>
+
+namespace quenta::tests {
+
+enum class Fault {
+  kFails,         // the call fails, and the next one works again
+  kFailsForGood,  // so do all later ones
+  // The line is gone: the server has rolled back, this and all later statements fail, and the connection goes on saying
+  // that it is open until it is closed and opened again.
+  kLineDrops,
+  kAnswerIsLost,  // the same, after the server has done what it was asked
+  kIsLate,        // the call takes longer
+};
+
+class FaultPlan {
+ public:
+  int fail_at = -1;  // position, from 0, of the call that goes wrong; -1 for none
+  Fault fault = Fault::kFails;
+  std::chrono::milliseconds late{20};  // how much longer a late call takes
+  int calls = 0;                       // made so far
+
+  // Counts one more call; true when it is the one to go wrong.
+  bool Strikes() noexcept {
+    const int position = calls++;
+    return fail_at >= 0 && (position == fail_at || (fault == Fault::kFailsForGood && position > fail_at));
+  }
+};
+
+}  // namespace quenta::tests
