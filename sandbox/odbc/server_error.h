@@ -53,6 +53,10 @@ inline constexpr int kTruncated = 8152;
 inline constexpr int kLoginFailed = 18456;
 }  // namespace message
 
+// What a client says when nobody answers where the server should be.
+inline constexpr const char* kNoServer =
+    "[DBNETLIB][ConnectionOpen (Connect()).]SQL Server does not exist or access denied.";
+
 // A message of the server. what() is its text.
 class ServerError : public std::runtime_error {
  public:

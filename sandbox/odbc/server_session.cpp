@@ -3,6 +3,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "sandbox/odbc/server_error.h"
+#include "sandbox/odbc/server_faults.h"
 
 namespace quenta::sandbox {
 namespace {
@@ -56,14 +57,11 @@ class PassThroughSession final : public ServerSession {
   throw base::Error(AutomationNumber(message::kLoginFailed), "Login failed for user '" + user + "'.");
 }
 
-}  // namespace
-
-std::unique_ptr<ServerSession> OpenSession(const LoginRequest& request) {
+std::unique_ptr<ServerSession> OpenLink(const LoginRequest& request) {
   constexpr std::size_t kLongestSourceName = 32;
-  constexpr const char* kNoServer =
-      "[DBNETLIB][ConnectionOpen (Connect()).]SQL Server does not exist or access denied.";
   if (request.source.empty() || request.source.size() > kLongestSourceName)
     throw base::Error(base::error_number::kDataAccess, kNoServer);
+  MeetServer(request.source, request.timeout);
   auto link = std::make_unique<OdbcLink>();
   try {
     link->ConnectSource(request.source, request.user, request.password, request.timeout);
@@ -83,6 +81,12 @@ std::unique_ptr<ServerSession> OpenSession(const LoginRequest& request) {
     }
   }
   return std::make_unique<PassThroughSession>(std::move(link));
+}
+
+}  // namespace
+
+std::unique_ptr<ServerSession> OpenSession(const LoginRequest& request) {
+  return WithBadDays(OpenLink(request), request.source);
 }
 
 }  // namespace quenta::sandbox

@@ -22,15 +22,15 @@ std::size_t ExactColumn(const ports::RowSet& rows, const std::string& name) {
 
 }  // namespace
 
-void ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
+bool ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
                  const std::string& text_column, const std::string& id_column) {
-  session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
+  return session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
     session::EnsureConnection(session);
     const ports::RowSet rows = session.Query(sql);
-    if (rows.empty()) return;
+    if (rows.empty()) return true;
     const std::size_t text_at = ExactColumn(rows, text_column);
     const std::size_t id_at = id_column.empty() ? kMissing : ExactColumn(rows, id_column);
-    if (text_at == kMissing || (!id_column.empty() && id_at == kMissing)) return;
+    if (text_at == kMissing || (!id_column.empty() && id_at == kMissing)) return false;
     const controls::ComboBox::Update update(control);
     control.Clear();
     for (const ports::Row row : rows) {
@@ -40,6 +40,7 @@ void ControlFill(session::Session& session, controls::ComboBox& control, const s
         control.SetItemData(control.NewIndex(), base::ToLong(row.At(id_at), session.locale()));
       }
     }
+    return true;
   });
 }
 

@@ -10,8 +10,9 @@ namespace quenta::data {
 
 // Column names are compared exactly; an identifier column that is empty fills texts only. Without rows, or without the
 // named columns, the control keeps what it had. Rows whose text is Null are left out; a Null identifier leaves the
-// entry without item data. An error is reported and leaves the entries read so far.
-void ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
+// entry without item data. An error is reported and leaves the entries read so far. False after an error, and without
+// the named columns.
+bool ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
                  const std::string& text_column, const std::string& id_column);
 
 }  // namespace quenta::data

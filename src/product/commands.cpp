@@ -118,7 +118,7 @@ void frmMain::AddMenus() {
                  tab("dependentes", "&Dependentes", "Ctrl+7"),
                  {},
                  {.name = "mnVerAtualizar",
-                  .caption = "&Atualizar",
+                  .caption = "A&tualizar",
                   .shortcut = "F5",
                   .on_click = [this] { RefreshPage(); }}}},
   };

@@ -1,5 +1,5 @@
 // Deletes the product softly, unless another module of the suite refers to it, and closes the form.
-#include "product/deletion.h"
+#include "product/deleting.h"
 
 #include "base/text.h"
 #include "component/session/transaction.h"

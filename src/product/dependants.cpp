@@ -3,7 +3,7 @@
 #include "base/text.h"
 #include "component/session/transaction.h"
 #include "data/sql_field.h"
-#include "product/deletion.h"
+#include "product/deleting.h"
 #include "product/frm_main_guard.h"
 
 namespace quenta::product {

@@ -36,13 +36,13 @@ std::vector<controls::Toolbar::Button> MainButtons() {
   return {{.key = "gravar", .caption = "Gravar", .tooltip = "Gravar (Ctrl+S)", .enabled = false},
           {.key = "duplicar",
            .caption = "Duplicar",
-           .tooltip = "Duplicar este produto",
+           .tooltip = "Duplicar este produto (Ctrl+D)",
            .enabled = false,
            .starts_group = true},
-          {.key = "apagar", .caption = "Apagar", .tooltip = "Apagar este produto", .enabled = false},
+          {.key = "apagar", .caption = "Apagar", .tooltip = "Apagar este produto (Ctrl+Shift+Del)", .enabled = false},
           {.key = "imprimir",
            .caption = "Imprimir",
-           .tooltip = "Imprimir etiquetas",
+           .tooltip = "Imprimir etiquetas (Ctrl+P)",
            .enabled = false,
            .starts_group = true,
            .menu = {{"etiquetas", "Etiquetas"}}},
@@ -51,13 +51,13 @@ std::vector<controls::Toolbar::Button> MainButtons() {
 
 std::vector<controls::Toolbar::Button> DependantButtons() {
   return {
-      {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar produtos dependentes por cor e tamanho"},
+      {.key = "gerar", .caption = "Gerar", .tooltip = "Gerar produtos dependentes por cor e tamanho (Ctrl+G)"},
       {.key = "adicionar", .caption = "Adicionar", .tooltip = "Os dependentes são criados com Gerar", .enabled = false},
       {.key = "remover", .caption = "Remover", .tooltip = "Apagar o produto dependente selecionado"}};
 }
 
 std::vector<controls::Toolbar::Button> HistoryButtons() {
-  return {{.key = "relatorio", .caption = "Relatório", .tooltip = "Relatório do produto", .enabled = false}};
+  return {{.key = "relatorio", .caption = "Relatório", .tooltip = "Relatório do produto (Ctrl+R)", .enabled = false}};
 }
 
 std::vector<controls::TabStrip::Tab> Tabs() {

@@ -57,8 +57,9 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // The product's type decides which attribute fields it has and whether there is a stock tab. (types.cpp)
   void FXTipo_ID_Click();
 
-  // Fills the price list, the working copy of the price lines, and shows the default line. (prices.cpp)
-  void Fill_Precos();
+  // Fills the price list, the working copy of the price lines, and shows the default line. False after an error, which
+  // was reported. (prices.cpp)
+  bool Fill_Precos();
   // Shows the price line with this key in the entry fields. Alters nothing. (prices.cpp)
   void ShowPreco(const std::string& key);
   // Makes the selected price line the default one. (prices.cpp)
@@ -210,7 +211,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void RefreshPage();
 
   // lookups.cpp
-  void FillLookups();
+  bool FillLookups();
   void FillSubfamilias();
   void AddEntry(controls::ComboBox& box, const ports::Row& row, const char* text_column, const char* id_column);
 

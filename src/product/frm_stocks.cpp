@@ -26,6 +26,11 @@ std::string ListText(const controls::TextField& field, const base::Locale& local
 
 }  // namespace
 
+template <typename Body>
+void frmStocks::Guarded(const std::string& procedure, Body&& body) noexcept {
+  session::Guarded(session_.ports().error_reporting, kLabels, procedure.c_str(), body);
+}
+
 frmStocks::frmStocks(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                      const std::shared_ptr<frmMain>& opener, std::int32_t armazem_id)
     : Form(host, "frmStocks"),
@@ -67,15 +72,19 @@ void frmStocks::LayOut() {
 
 void frmStocks::AddEvents() {
   for (controls::TextField* field : {&FXStockMinimo, &FXReposicao}) {
-    field->on_got_focus = [this, field] { controls::FieldGotFocus(*field, kNumber, session_.locale()); };
-    field->on_lost_focus = [this, field] { controls::FieldLostFocus(*field, kNumber, session_.locale()); };
+    field->on_got_focus = [this, field] {
+      Guarded(field->name() + "_GotFocus", [&] { controls::FieldGotFocus(*field, kNumber, session_.locale()); });
+    };
+    field->on_lost_focus = [this, field] {
+      Guarded(field->name() + "_LostFocus", [&] { controls::FieldLostFocus(*field, kNumber, session_.locale()); });
+    };
   }
   Command1.on_click = [this] { Command1_Click(); };
   Command2.on_click = [this] { Unload(); };
 }
 
 void frmStocks::OnLoad() {
-  session::Guarded(session_.ports().error_reporting, kLabels, "Form_Load", [&] {
+  Guarded("Form_Load", [&] {
     forms_.Add(*this);
     if (const auto opener = opener_.lock()) opener->set_enabled(false);
     // Without the record there is nothing to save: empty fields would erase quantities that nobody has seen.
@@ -107,7 +116,7 @@ void frmStocks::ShowRecord() {
 }
 
 void frmStocks::Command1_Click() {
-  session::Guarded(session_.ports().error_reporting, kLabels, "Command1_Click", [&] {
+  Guarded("Command1_Click", [&] {
     if (!Command1.enabled()) return;
     if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281")) {
       session_.ports().desktop.Ask(

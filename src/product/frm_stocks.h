@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "component/session/session.h"
 #include "controls/form.h"
@@ -41,6 +42,10 @@ class frmStocks final : public controls::Form {
   void OnClosed() noexcept override;
 
  private:
+  // Runs a procedure by the convention for errors.
+  template <typename Body>
+  void Guarded(const std::string& procedure, Body&& body) noexcept;
+
   void LayOut();
   void AddEvents();
   void ShowRecord();

@@ -181,16 +181,19 @@ void frmMain::Fill_Track(int mode) {
   });
 }
 
-// A product can have a hundred thousand lines: columns are looked up once.
+// A product can have a hundred thousand lines: columns are looked up once, and a value that a line repeats from the one
+// before it (its date, its price) is not formatted again.
 void frmMain::ShowLines(const ports::RowSet& lines, const char* line_id) {
   struct Column {
     std::optional<std::size_t> position;
     ListKind kind;
+    const base::Value* shown = nullptr;
+    std::string text = " ";
   };
   // Orders may come without a document number; theirs then stands in its place.
   const char* const number = lines.FindColumn("documento_no") ? "documento_no" : "encomenda_no";
-  const Column date{lines.FindColumn("data"), ListKind::kDate};
-  const Column columns[] = {
+  Column date{lines.FindColumn("data"), ListKind::kDate};
+  Column columns[] = {
       {lines.FindColumn("entidade"), ListKind::kText},
       {lines.FindColumn("tipo"), ListKind::kText},
       {lines.FindColumn(number), ListKind::kText},
@@ -200,8 +203,14 @@ void frmMain::ShowLines(const ports::RowSet& lines, const char* line_id) {
       {lines.FindColumn("preco_unitario"), ListKind::kNumber},
       {lines.FindColumn("preco_total"), ListKind::kNumber},
   };
-  const auto text = [&](const ports::Row& line, const Column& column) {
-    return column.position ? data::ListField(session_, line.At(*column.position), column.kind) : " ";
+  const auto text = [&](const ports::Row& line, Column& column) -> const std::string& {
+    if (!column.position) return column.text;
+    const base::Value& value = line.At(*column.position);
+    if (column.shown == nullptr || *column.shown != value) {
+      column.text = data::ListField(session_, value, column.kind);
+      column.shown = &value;
+    }
+    return column.text;
   };
   ListView13.Reserve(lines.size());
   for (const ports::Row line : lines) {
@@ -210,7 +219,7 @@ void frmMain::ShowLines(const ports::RowSet& lines, const char* line_id) {
     key += base::ToText(line[line_id], session_.locale());
     controls::ListItem& item = ListView13.Add(std::move(key), text(line, date));
     item.sub_items.reserve(std::size(columns));
-    for (const Column& column : columns) item.sub_items.push_back(text(line, column));
+    for (Column& column : columns) item.sub_items.push_back(text(line, column));
   }
 }
 

@@ -38,18 +38,19 @@ void frmMain::Fill() {
     const FillingMark mark(filling_);
     record_shown_ = false;
     ClearRecord();
-    FillLookups();
+    bool shown = FillLookups();
+    // While a list waits for the server, the host may take the form away: nobody is there then for a new product.
+    if (!loaded()) return;
     // Only a saved product can be duplicated or deleted.
     for (const char* key : {"apagar", "duplicar"}) Toolbar1.EnableButton(key, produto_id_ != 0);
-    bool shown = true;
     if (produto_id_ == 0) {
       CreateProduct();
     } else {
       new_product_ = false;
-      shown = LoadProduct();
+      shown = LoadProduct() && shown;
       NoteAssociations();
     }
-    Fill_Precos();
+    shown = Fill_Precos() && shown;
     Fill_Stocks();
     LockByWarehouse();
     record_shown_ = shown;

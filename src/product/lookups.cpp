@@ -6,13 +6,17 @@
 
 namespace quenta::product {
 
-void frmMain::FillLookups() {
-  data::ControlFill(session_, FXTipo_ID, "SELECT * FROM tbProdutos_Tipos ORDER BY tipo_id", "descrit", "tipo_id");
+// False when one of the lists could not be filled: what the record chooses from it then cannot be shown.
+bool frmMain::FillLookups() {
+  bool complete = true;
+  const auto fill = [&](controls::ComboBox& box, const char* sql, const char* text_column, const char* id_column) {
+    complete = data::ControlFill(session_, box, sql, text_column, id_column) && complete;
+  };
+  fill(FXTipo_ID, "SELECT * FROM tbProdutos_Tipos ORDER BY tipo_id", "descrit", "tipo_id");
   FXTipo_ID_Click();
-  data::ControlFill(session_, FXCor, "SELECT * FROM tbProdutos_Cores ORDER BY cor_id", "descrit", "cor_id");
-  data::ControlFill(session_, FXTamanho, "SELECT * FROM tbProdutos_Tamanhos ORDER BY tamanho_id", "descrit",
-                    "tamanho_id");
-  data::ControlFill(session_, FXCentro_ID, "SELECT * FROM vwCentros_Custo ORDER BY descrit2", "descrit2", "centro_id");
+  fill(FXCor, "SELECT * FROM tbProdutos_Cores ORDER BY cor_id", "descrit", "cor_id");
+  fill(FXTamanho, "SELECT * FROM tbProdutos_Tamanhos ORDER BY tamanho_id", "descrit", "tamanho_id");
+  fill(FXCentro_ID, "SELECT * FROM vwCentros_Custo ORDER BY descrit2", "descrit2", "centro_id");
 
   const ports::RowSet familias = session_.Query("SELECT * FROM tbProdutos_Familias ORDER BY descrit");
   {
@@ -31,8 +35,8 @@ void frmMain::FillLookups() {
     }
     FXIva_ID.SetListIndex(predef);
   }
-  data::ControlFill(session_, FXFornecedor_ID, "SELECT * FROM vwFornecedores ORDER BY nome_union", "nome_union",
-                    "contacto_id");
+  fill(FXFornecedor_ID, "SELECT * FROM vwFornecedores ORDER BY nome_union", "nome_union", "contacto_id");
+  return complete;
 }
 
 void frmMain::FillSubfamilias() {

@@ -13,8 +13,8 @@ constexpr const char* kDefaultMark = " [Predefinido]";
 
 }  // namespace
 
-void frmMain::Fill_Precos() {
-  Guarded("Fill_Precos", [&] {
+bool frmMain::Fill_Precos() {
+  return Guarded("Fill_Precos", [&] {
     const base::Locale& locale = session_.locale();
     const auto shown = [&](const base::Value& value) {
       return value.is_null() ? std::string(" ") : base::Format(value, "0.00", locale);
@@ -42,6 +42,7 @@ void frmMain::Fill_Precos() {
       ListView2.Select(ListView2.Count() - 1);
       ShowPreco(key);
     }
+    return true;
   });
 }
 

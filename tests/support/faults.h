@@ -13,6 +13,8 @@ enum class Fault {
   kLineDrops,
   kAnswerIsLost,  // the same, after the server has done what it was asked
   kIsLate,        // the call takes longer
+  kOtherColumns,  // a query's result has other columns than the ones asked for
+  kAllNull,       // a query's result has Null wherever there was a value
 };
 
 class FaultPlan {

@@ -50,7 +50,9 @@ class FaultyConnection final : public ports::Connection {
     real_->Close();
   }
   ports::RowSet Query(const std::string& sql) override {
-    return Call([&] { return real_->Query(sql); });
+    const bool strikes = plan_.calls == plan_.fail_at;
+    const ports::RowSet rows = Call([&] { return real_->Query(sql); });
+    return strikes ? Disfigured(rows) : rows;
   }
   void Execute(const std::string& sql) override {
     Call([&] { real_->Execute(sql); });
@@ -77,6 +79,9 @@ class FaultyConnection final : public ports::Connection {
   template <typename Work>
   void Strike(Work& work) {
     switch (plan_.fault) {
+      case Fault::kOtherColumns:
+      case Fault::kAllNull:
+        return;
       case Fault::kIsLate:
         if (late_until_ == std::chrono::steady_clock::time_point{}) std::this_thread::sleep_for(plan_.late);
         return;
@@ -89,6 +94,20 @@ class FaultyConnection final : public ports::Connection {
       default:
         throw base::Error(base::error_number::kDataAccess, "Injected failure");
     }
+  }
+
+  ports::RowSet Disfigured(const ports::RowSet& rows) const {
+    std::vector<std::string> columns = rows.columns();
+    if (plan_.fault == Fault::kOtherColumns) {
+      for (std::string& column : columns) column += "_2";
+    }
+    ports::RowSet result(std::move(columns));
+    for (const ports::Row row : rows) {
+      for (std::size_t i = 0; i < rows.columns().size(); ++i) {
+        result.Append(plan_.fault == Fault::kAllNull ? base::Value::Null() : row.At(i));
+      }
+    }
+    return result;
   }
 
   // A connection that is destroyed rolls back, as the server does when the line is gone.

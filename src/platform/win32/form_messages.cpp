@@ -63,6 +63,9 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
       Restyle();
       ArrangeControls();
       break;
+    case WM_INITMENUPOPUP:
+      menu_.Opening(GetMenu(window_), reinterpret_cast<HMENU>(wparam));
+      break;
     case WM_ACTIVATE:
       OnActivate(wparam);
       break;

@@ -225,34 +225,37 @@ void FormWindow::Detach() noexcept {
   for (const auto& control : controls_) control->model().Attach(nullptr);
 }
 
+struct FormWindow::SearchAbove {
+  HWND below;
+  std::shared_ptr<FormWindow> found;
+};
+
+BOOL CALLBACK FormWindow::LookAbove(HWND window, LPARAM data) noexcept {
+  auto& search = *reinterpret_cast<SearchAbove*>(data);
+  const std::shared_ptr<FormWindow> form = OfWindow(window);
+  if (form == nullptr || form->closing_ || form->over_ != search.below || !IsWindowVisible(window)) return TRUE;
+  search.found = form;
+  return FALSE;
+}
+
 // The form that was opened over this one and is still there; null when there is none.
 std::shared_ptr<FormWindow> FormWindow::FormOpenedOver() const noexcept {
-  struct Search {
-    HWND below;
-    std::shared_ptr<FormWindow> found;
-  } search{window_, nullptr};
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM data) noexcept -> BOOL {
-        auto& wanted = *reinterpret_cast<Search*>(data);
-        const std::shared_ptr<FormWindow> form = OfWindow(window);
-        if (form == nullptr || form->closing_ || form->over_ != wanted.below || !IsWindowVisible(window)) return TRUE;
-        wanted.found = form;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&search));
+  SearchAbove search{window_, nullptr};
+  EnumThreadWindows(GetCurrentThreadId(), &FormWindow::LookAbove, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 
-// A form that is disabled shows who keeps it waiting. False when there is no such form.
-bool FormWindow::BringDialogToFront(bool flash) noexcept {
-  if (IsWindowEnabled(window_)) return false;
-  std::shared_ptr<FormWindow> dialog = FormOpenedOver();
-  if (dialog == nullptr) return false;
-  while (const auto next = IsWindowEnabled(dialog->window_) ? nullptr : dialog->FormOpenedOver()) dialog = next;
-  dialog->BringToFront();
-  if (flash) {
-    FLASHWINFO info{sizeof(info), dialog->window_, FLASHW_CAPTION, 4, 70};
+// A form that is disabled shows who keeps it waiting: the form opened over it, or a question over that. False when that
+// is nobody, or a question over this form itself, which a click finds without our help.
+bool FormWindow::BringDialogToFront(bool clicked) noexcept {
+  std::shared_ptr<FormWindow> top = shared_from_this();
+  while (const auto next = IsWindowEnabled(top->window_) ? nullptr : top->FormOpenedOver()) top = next;
+  const HWND front = GetLastActivePopup(top->window_);
+  if (front == window_ || (clicked && top.get() == this)) return false;
+  if (top.get() != this) top->BringToFront();
+  SetForegroundWindow(front);
+  if (clicked) {
+    FLASHWINFO info{sizeof(info), front, FLASHW_CAPTION, 4, 70};
     FlashWindowEx(&info);
   }
   return true;

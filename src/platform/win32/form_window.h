@@ -120,8 +120,10 @@ class FormWindow final : public controls::FormView,
   void Remember() noexcept;
   void Detach() noexcept;
   void RequestClose() noexcept;
+  struct SearchAbove;
+  static BOOL CALLBACK LookAbove(HWND window, LPARAM search) noexcept;
   std::shared_ptr<FormWindow> FormOpenedOver() const noexcept;
-  bool BringDialogToFront(bool flash) noexcept;
+  bool BringDialogToFront(bool clicked) noexcept;
   HWND WindowToReturnTo() const noexcept;
   void ActivateFormer() noexcept;
 

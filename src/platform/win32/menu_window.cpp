@@ -18,10 +18,11 @@ void MenuWindow::Append(HMENU menu, const std::vector<controls::MenuItem>& items
     }
     std::wstring caption = Wide(item.caption);
     if (!item.shortcut.empty()) caption += L'\t' + Wide(item.shortcut);
-    const UINT state = (item.enabled ? MF_ENABLED : MF_GRAYED) | (item.checked ? MF_CHECKED : MF_UNCHECKED);
+    const bool enabled = item.enabled && (item.can_run == nullptr || item.can_run());
+    const UINT state = (enabled ? MF_ENABLED : MF_GRAYED) | (item.checked ? MF_CHECKED : MF_UNCHECKED);
     if (item.items.empty()) {
-      AppendMenuW(menu, MF_STRING | state, kFirstCommand + actions_.size(), caption.c_str());
-      actions_.push_back(item.on_click);
+      AppendMenuW(menu, MF_STRING | state, kFirstCommand + entries_.size(), caption.c_str());
+      entries_.push_back({item.on_click, item.enabled ? item.can_run : nullptr});
       continue;
     }
     OwnedMenu below(CreatePopupMenu());
@@ -30,9 +31,26 @@ void MenuWindow::Append(HMENU menu, const std::vector<controls::MenuItem>& items
   }
 }
 
+void MenuWindow::Opening(HMENU bar, HMENU opened) const noexcept {
+  bool ours = false;
+  for (int i = 0; i < GetMenuItemCount(bar) && !ours; ++i) ours = GetSubMenu(bar, i) == opened;
+  for (int i = 0; ours && i < GetMenuItemCount(opened); ++i) {
+    const UINT command = GetMenuItemID(opened, i);
+    if (command < kFirstCommand || command - kFirstCommand >= entries_.size()) continue;
+    const Entry& entry = entries_[command - kFirstCommand];
+    if (entry.can_run == nullptr) continue;
+    bool can_run = false;
+    try {
+      can_run = entry.can_run();
+    } catch (...) {  // what cannot be told cannot be run
+    }
+    EnableMenuItem(opened, static_cast<UINT>(i), MF_BYPOSITION | (can_run ? MF_ENABLED : MF_GRAYED));
+  }
+}
+
 std::function<void()> MenuWindow::Action(WORD command) const {
   const std::size_t index = static_cast<std::size_t>(command) - kFirstCommand;
-  return command >= kFirstCommand && index < actions_.size() ? actions_[index] : std::function<void()>();
+  return command >= kFirstCommand && index < entries_.size() ? entries_[index].run : std::function<void()>();
 }
 
 }  // namespace quenta::platform

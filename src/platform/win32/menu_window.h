@@ -22,16 +22,23 @@ class MenuWindow {
   HMENU get() const noexcept { return menu_.get(); }
   // The menu belongs to a window from now on, which destroys it with itself.
   HMENU release() noexcept { return menu_.release(); }
-  bool empty() const noexcept { return actions_.empty(); }
+  bool empty() const noexcept { return entries_.empty(); }
 
+  // A menu of the bar opens: its entries show whether they can run now. Menus that are not the bar's stay as they are.
+  void Opening(HMENU bar, HMENU opened) const noexcept;
   // What a command does; empty when the command is none of this menu, or does nothing.
   std::function<void()> Action(WORD command) const;
 
  private:
   void Append(HMENU menu, const std::vector<controls::MenuItem>& items);
 
+  struct Entry {
+    std::function<void()> run;
+    std::function<bool()> can_run;  // none for an entry whose state never changes
+  };
+
   OwnedMenu menu_;
-  std::vector<std::function<void()>> actions_;  // by command, from kFirstCommand
+  std::vector<Entry> entries_;  // by command, from kFirstCommand
 };
 
 }  // namespace quenta::platform

@@ -26,6 +26,7 @@ void Timers::Start(ports::TimerTarget& target, int milliseconds) {
 
 void Timers::Stop(ports::TimerTarget& target) noexcept {
   if (std::erase(targets_, &target) > 0) KillTimer(window_.get(), reinterpret_cast<UINT_PTR>(&target));
+  if (targets_.empty()) window_.reset();  // nothing stays behind when the library goes
 }
 
 void Timers::StopAll() noexcept {

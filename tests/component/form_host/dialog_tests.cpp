@@ -6,6 +6,7 @@
 
 #include "component/form_host/form_fixture.h"
 #include "controls/timer.h"
+#include "platform/win32/desktop.h"
 #include "platform/win32/window_names.h"
 
 namespace quenta::tests {
@@ -111,6 +112,27 @@ TEST_F(DialogTest, ADisabledFormCannotBeClosedAndShowsWhoKeepsItWaiting) {
   EXPECT_EQ(GetForegroundWindow(), dialog_window);
   Press('Z');
   EXPECT_EQ(dialog->FXMinimo.text(), "z");
+}
+
+TEST_F(DialogTest, AQuestionOverTheDialogStaysInFront) {
+  OpenDialog();
+  platform::Desktop desktop(host);
+  HWND front = nullptr;
+  const Meanwhile answer([&] {
+    const HWND box = FindWindowW(L"#32770", L"Pergunta");
+    if (box == nullptr) return front != nullptr;
+    if (front == nullptr) {
+      form->Show();
+      front = box;
+      return false;
+    }
+    EXPECT_EQ(GetForegroundWindow(), box);
+    PostMessageW(box, WM_COMMAND, IDYES, 0);
+    return true;
+  });
+  EXPECT_EQ(desktop.Ask({.text = "Sim?", .title = "Pergunta", .buttons = ports::Buttons::kYesNo}, dialog.get()),
+            ports::Answer::kYes);
+  EXPECT_EQ(GetForegroundWindow(), dialog_window);
 }
 
 TEST_F(DialogTest, WithoutTheWindowBelowTheHostsOwnIsNext) {

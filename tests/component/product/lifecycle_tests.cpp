@@ -15,7 +15,7 @@ class LifecycleTest : public FormTest {
 };
 
 TEST_F(LifecycleTest, ACopyIsShownAsANewProductAndKeptByASave) {
-  const FormOnScreen form = OpenCode("10030");
+  FormOnScreen form = OpenCode("10030");
   const std::string name = form.Text("FXNome");
   AnswerNext(IDNO);
   form.PressButton("Toolbar1", "duplicar");
@@ -41,7 +41,7 @@ TEST_F(LifecycleTest, ACopyIsShownAsANewProductAndKeptByASave) {
     form.Close();
     EXPECT_EQ(Rows("tbProdutos", copy), "0");
     EXPECT_EQ(Rows("tbProdutos_Stocks", copy), "0");
-    OpenCode("10030");
+    form = OpenCode("10030");
   }
   EXPECT_TRUE(Forms().empty());
   EXPECT_TRUE(Reports().empty());

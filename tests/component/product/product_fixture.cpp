@@ -131,6 +131,13 @@ void FormOnScreen::Type(const std::string& text) const {
   Pump();
 }
 
+void FormOnScreen::Choose(const std::string& name, const std::string& start) const {
+  FocusOn(name);
+  Key(VK_HOME);
+  for (int i = 0; i < 100 && Text(name).rfind(start, 0) != 0; ++i) Key(VK_DOWN);
+  EXPECT_EQ(Text(name).rfind(start, 0), 0U) << name << " has no " << start;
+}
+
 std::string FormOnScreen::Focused() const {
   std::string name;
   for (HWND window = GetFocus(); window != nullptr && window != window_ && name.empty(); window = GetParent(window)) {

@@ -39,6 +39,8 @@ class FormOnScreen {
   // A key to the control that has the focus; characters as they are typed there.
   void Key(int virtual_key) const;
   void Type(const std::string& text) const;
+  // Goes through a list by its keys until the entry that begins so is chosen.
+  void Choose(const std::string& name, const std::string& start) const;
   void PressButton(const std::string& toolbar, const std::string& key) const;
   // The name of the control that has the focus.
   std::string Focused() const;

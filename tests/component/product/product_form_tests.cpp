@@ -232,5 +232,37 @@ TEST_F(FormTest, TheKeyboardWorksInAHostThatKnowsNoDialogs) {
   EXPECT_TRUE(Forms().empty()) << "Esc closes";
 }
 
+TEST_F(FormTest, EveryCommandIsInTheMenuBarAndShowsWhetherItCanRun) {
+  const FormOnScreen form = OpenCode("10000");
+  const HMENU bar = GetMenu(form.window());
+  // State of an entry by its caption's beginning, as the user sees it when the menu opens.
+  const auto enabled = [&](const std::string& start) {
+    for (int i = 0; i < GetMenuItemCount(bar); ++i) {
+      const HMENU menu = GetSubMenu(bar, i);
+      SendMessageW(form.window(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), i);
+      for (int k = 0; k < GetMenuItemCount(menu); ++k) {
+        wchar_t caption[100] = L"";
+        GetMenuStringW(menu, static_cast<UINT>(k), caption, 100, MF_BYPOSITION);
+        if (platform::FromWide(caption).rfind(start, 0) == 0) {
+          return (GetMenuState(menu, static_cast<UINT>(k), MF_BYPOSITION) & MF_GRAYED) == 0;
+        }
+      }
+    }
+    ADD_FAILURE() << "no entry " << start;
+    return false;
+  };
+  for (const char* const entry : {"Imprimir &etiquetas", "&Duplicar", "&Apagar", "&Gerar dependentes", "&Sair",
+                                  "Tornar &predefinido", "&Stocks em", "&Dependentes", "A&tualizar"}) {
+    EXPECT_TRUE(enabled(entry)) << entry;
+  }
+  for (const char* const entry : {"&Gravar\t", "Ad&icionar dependente", "&Adicionar armazém", "&Remover armazém",
+                                  "&Relatório", "&Guardar como CSV"}) {
+    EXPECT_FALSE(enabled(entry)) << entry;
+  }
+  form.TypeOver("FXMarca", "Outra");
+  form.SelectTab("vendas");
+  for (const char* const entry : {"&Gravar\t", "&Relatório", "&Guardar como CSV"}) EXPECT_TRUE(enabled(entry)) << entry;
+}
+
 }  // namespace
 }  // namespace quenta::tests

@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <set>
 
+#include "base/convert.h"
 #include "component/session/connection_keeper.h"
 #include "data/check_permissions.h"
 #include "generator/frm_gerar.h"
@@ -197,11 +198,14 @@ struct Way {
   const char* name;
   Fault fault;
   bool queries_too;
+  bool is_an_error = true;
 };
 constexpr Way kWays[] = {{"fails", Fault::kFails, true},
                          {"fails, and so do all later ones", Fault::kFailsForGood, false},
                          {"meets a line that is gone", Fault::kLineDrops, true},
-                         {"is done, but its answer is lost", Fault::kAnswerIsLost, false}};
+                         {"is done, but its answer is lost", Fault::kAnswerIsLost, false},
+                         {"reads other columns", Fault::kOtherColumns, true, false},
+                         {"reads nothing but Null", Fault::kAllNull, true, false}};
 
 class Sweep : public Scene, public ::testing::WithParamInterface<Operation> {
  protected:
@@ -277,6 +281,28 @@ class Sweep : public Scene, public ::testing::WithParamInterface<Operation> {
     }
     EXPECT_TRUE(!changed_ || Committed()) << "something was saved though nothing was committed";
   }
+  std::ptrdiff_t CountWrites() const {
+    return std::count_if(database.statements.begin(), database.statements.end(), &Writes);
+  }
+  // A form that did not fill itself whole may be saved only when that loses nothing of the record.
+  void ExpectNothingIsLostBySaving(const Operation& operation) {
+    auto* const shown = operation.product == Product::kNone ? Shown<frmMain>("frmMain") : nullptr;
+    if (shown == nullptr) return;
+    const auto record = [&] {
+      const std::string where = " WHERE produto_id = " + std::to_string(shown->ProdutoId());
+      std::string text = SqlText("SELECT COUNT(*) FROM tbProdutos_Precos" + where);
+      const ports::RowSet rows = Sql("SELECT * FROM tbProdutos" + where);
+      for (std::size_t i = 0; !rows.empty() && i < rows.columns().size(); ++i) {
+        const base::Value& value = rows.front().At(i);
+        if (rows.columns()[i] != "data_modified") text += "|" + (value.is_null() ? "" : base::ToText(value, {}));
+      }
+      return text;
+    };
+    const std::string before = record();
+    shown->PrecosAltered = true;
+    shown->Gravar();
+    EXPECT_EQ(record(), before);
+  }
   static bool Writes(const std::string& statement) {
     return statement.starts_with("INSERT") || statement.starts_with("UPDATE") || statement.starts_with("DELETE");
   }
@@ -288,6 +314,7 @@ class Sweep : public Scene, public ::testing::WithParamInterface<Operation> {
     Prepare(operation);
     ASSERT_TRUE(Run(operation, way.fault, -1)) << Reported();
     const bool commits = Committed();
+    const std::ptrdiff_t writes = CountWrites();
     const int calls = database.calls;
     std::set<int> queries;
     for (std::size_t i = 0; i < database.statements.size(); ++i) {
@@ -301,16 +328,20 @@ class Sweep : public Scene, public ::testing::WithParamInterface<Operation> {
                    (database.statements.empty() ? "nothing" : database.statements.back()));
       EXPECT_FALSE(TransactionIsOpen());
       EXPECT_FALSE(product_forms.Busy()) << "other forms stay out of reach";
-      EXPECT_TRUE(done || operation.answers_host || !reporting.reports.empty()) << "nobody was told";
+      EXPECT_TRUE(done || operation.answers_host || !way.is_an_error || !reporting.reports.empty())
+          << "nobody was told";
       if (!operation.keeps_what_it_wrote) {
         ExpectWholeTransactions();
         EXPECT_TRUE(!done || Committed() == commits) << "done, it says, and nothing was saved";
       }
+      const bool saved_already = Committed();
+      if (way.fault != Fault::kAllNull) ExpectNothingIsLostBySaving(operation);
       if (done) continue;
       // Whatever the user does first that fills a list or asks for a permission restores the line.
       if (!operation.answers_host) session::EnsureConnection(session);
       if (operation.product == Product::kNone) CloseForms();
       EXPECT_TRUE(Run(operation, way.fault, -1)) << "the next try: " << Reported();
+      EXPECT_TRUE(saved_already || CountWrites() == writes) << "the next try saves something else";
     }
   }
 

@@ -60,21 +60,6 @@ TEST_F(ClosingTest, CancelKeepsTheFormAndYesSavesOrKeepsIt) {
   EXPECT_EQ(SqlText("SELECT nome FROM tbProdutos WHERE codigo = '10000'"), "Gravado ao fechar");
 }
 
-TEST_F(ClosingTest, AFailedDeletionKeepsTheFormAndAllRows) {
-  const auto form = OpenForm(0);
-  const std::string rows = RowsOf(form->ProdutoId());
-  form->FXNome.Typed("x");
-  desktop.answer = Answer::kNo;
-  for (int i = 0; form->loaded() && i < 20; ++i) {
-    database.Forget();
-    database.fail_at = i;
-    if (form->Unload()) break;
-    EXPECT_EQ(RowsOf(form->ProdutoId()), rows) << "statement " << i;
-    EXPECT_EQ(reporting.reports.back().procedure, "Form_Unload");
-  }
-  EXPECT_FALSE(form->loaded());
-}
-
 TEST_F(ClosingTest, ClosingReleasesWhatTheFormWasGiven) {
   const auto owner = std::make_shared<ports::HostObject>();
   const auto form = std::static_pointer_cast<product::frmMain>(product_forms.Create());

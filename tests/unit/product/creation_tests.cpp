@@ -78,31 +78,6 @@ TEST_F(CreationTest, TablesWithoutRowsGiveAProductWithoutThem) {
   EXPECT_EQ(SqlText("SELECT COUNT(*) FROM tbProdutos_Precos WHERE produto_id = " + id), "0");
 }
 
-TEST_F(CreationTest, AFailureAtEachStatementLeavesNothingBehindAndNothingOpen) {
-  OpenForm(0);
-  const int statements = static_cast<int>(database.statements.size());
-  const std::string products = SqlText("SELECT COUNT(*) FROM tbProdutos");
-  for (int i = 0; i < statements; ++i) {
-    if (database.statements.empty()) break;
-    database.Forget();
-    reporting.reports.clear();
-    database.fail_at = i;
-    const auto form = OpenForm(0);
-    database.Forget();
-    if (form->ProdutoId() != 0) {
-      Sql("DELETE FROM tbProdutos_Precos WHERE produto_id = " + std::to_string(form->ProdutoId()));
-      Sql("DELETE FROM tbProdutos_Stocks WHERE produto_id = " + std::to_string(form->ProdutoId()));
-      Sql("DELETE FROM tbProdutos_Stocks_Minimos WHERE produto_id = " + std::to_string(form->ProdutoId()));
-      Sql("DELETE FROM tbProdutos WHERE produto_id = " + std::to_string(form->ProdutoId()));
-    } else {
-      EXPECT_FALSE(reporting.reports.empty()) << "statement " << i;
-      EXPECT_FALSE(form->Gravar()) << "a creation that failed leaves a form that cannot be saved";
-    }
-    EXPECT_FALSE(session::InTransaction(session)) << "statement " << i;
-    EXPECT_EQ(SqlText("SELECT COUNT(*) FROM tbProdutos"), products) << "statement " << i;
-  }
-}
-
 TEST_F(CreationTest, ObjectNewAsksTheWarehouseThenThePolicy) {
   component::General general(component);
   const auto refused_with = [&](const char* title, ports::Icon icon, bool system_modal) {

@@ -156,25 +156,5 @@ TEST_F(LoadTest, TheHistoryPeriodIsTheServersYearUpToTomorrow) {
   EXPECT_NE(form->FXData_Fim.Describe(), "01-01-1900");
 }
 
-// Whatever fails while the form opens: a report, the form on the screen, and nothing that could be saved half.
-TEST_F(LoadTest, AFailureAtEachStatementLeavesAFormThatCannotBeSaved) {
-  const std::int32_t id = IdOfCode("10300");
-  OpenForm(id);
-  const int statements = static_cast<int>(database.statements.size());
-  ASSERT_GT(statements, 10);
-  for (int i = 0; i < statements; ++i) {
-    database.Forget();
-    reporting.reports.clear();
-    database.fail_at = i;
-    const auto form = OpenForm(id);
-    EXPECT_TRUE(form->visible()) << i;
-    const bool whole = form->FXCodigo.text() == "10300" && reporting.reports.empty();
-    database.Forget();
-    EXPECT_TRUE(whole || !reporting.reports.empty()) << "statement " << i;
-    EXPECT_TRUE(form->Unload());
-    EXPECT_EQ(OpenForm(id)->FXCodigo.text(), "10300") << "the next try succeeds";
-  }
-}
-
 }  // namespace
 }  // namespace quenta::tests

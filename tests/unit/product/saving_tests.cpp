@@ -138,35 +138,6 @@ TEST_F(SavingTest, SavingANewProductUsesUpOneMoreCode) {
             std::to_string(after_creation + 1));
 }
 
-TEST_F(SavingTest, AFailureAtEachStatementSavesNothingAndLosesNothing) {
-  const auto form = OpenForm(0);
-  const std::string id = std::to_string(form->ProdutoId());
-  form->FXFamilia_ID.Chosen(0);
-  form->FXNome.Typed("Inteiro ou nada");
-  form->ListView2.Clear();
-  AddPriceLine(*form, 1, "1", "1", "0,23", "1,23", "", true);
-  const int counter = std::stoi(SqlText("SELECT contador FROM tbContadores WHERE nome = 'produto_codigo'"));
-  bool saved = false;
-  for (int i = 0; !saved; ++i) {
-    form->PrecosAltered = true;
-    database.Forget();
-    reporting.reports.clear();
-    database.fail_at = i;
-    saved = form->Gravar();
-    database.Forget();
-    EXPECT_FALSE(session::InTransaction(session)) << "statement " << i;
-    if (saved) break;
-    ASSERT_LT(i, 60);
-    ASSERT_EQ(reporting.reports.size(), 1U) << "statement " << i;
-    EXPECT_TRUE(form->Altered() && form->PrecosAltered) << "statement " << i;
-    EXPECT_EQ(SqlText("SELECT nome FROM tbProdutos WHERE produto_id = " + id), "(null)") << "statement " << i;
-    EXPECT_EQ(SqlText("SELECT COUNT(*) FROM tbProdutos_Precos WHERE produto_id = " + id), "3") << "statement " << i;
-    EXPECT_NO_THROW(Sql("UPDATE tbProdutos SET obs = 'x' WHERE produto_id = 900")) << "nothing is left locked";
-  }
-  EXPECT_EQ(SqlText("SELECT nome FROM tbProdutos WHERE produto_id = " + id), "Inteiro ou nada");
-  EXPECT_EQ(SqlText("SELECT contador FROM tbContadores WHERE nome = 'produto_codigo'"), std::to_string(counter + 1));
-}
-
 TEST_F(SavingTest, WhatTheServerRefusesIsReportedAndNothingIsSaved) {
   const auto form = OpenForm(IdOfCode("10000"));
   form->FXNome.Typed(std::string(300, 'x'));
