@@ -79,7 +79,8 @@ prefix_fingerprint() {
 
 prefix_is_prepared() { [[ -f $1/prepared ]] && cmp -s "$1/prepared" <(prefix_fingerprint); }
 
-# The suite's settings, which Login and the warehouse check read, and smooth text for the pictures.
+# The suite's settings, which Login and the warehouse check read, a program for documents, and smooth text for the
+# pictures.
 settings_file() {
   local templates scrambled
   templates=$(windows_path "$ROOT/sandbox/catalogue/templates")
@@ -99,6 +100,9 @@ Windows Registry Editor Version 5.00
 "dtDataSource"="$DATA_SOURCE"
 "Armazem"="1"
 "Templates"="${templates//\\/\\\\}"
+
+[HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.doc]
+@="rtffile"
 
 [HKEY_CURRENT_USER\\Control Panel\\Desktop]
 "FontSmoothing"="2"

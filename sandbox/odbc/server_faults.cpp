@@ -31,9 +31,11 @@ class UnreliableSession final : public ServerSession {
 
  private:
   ServerSession& Line() {
-    const ServerState state = StateOfServer(source_);
-    if (state.fault == ServerFault::kSlow) std::this_thread::sleep_for(state.delay);
-    if (state.fault == ServerFault::kDrop) session_.reset();
+    if (session_ != nullptr) {
+      const ServerState state = StateOfServer(source_);
+      std::this_thread::sleep_for(state.delay);
+      if (state.fault == ServerFault::kDrop) session_.reset();
+    }
     if (session_ == nullptr) {
       throw base::Error(
           base::error_number::kDataAccess,

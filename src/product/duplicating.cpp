@@ -91,6 +91,7 @@ bool CopyProduct(session::Session& session, std::int32_t produto_id, CopyNumbers
 }  // namespace
 
 void frmMain::Duplicar() {
+  const std::shared_ptr<Form> alive = shared_from_this();
   session::Guarded(session_.ports().error_reporting, kLabels, "Gravar", [&] {
     const Answer answer = Ask({.text = "Deseja duplicar este produto?",
                                .title = "Registo de Documentos",
@@ -115,6 +116,7 @@ void frmMain::Duplicar() {
     }
     produto_id_ = *numbers.produto_id;
     Fill();
+    if (!loaded()) return;
     new_product_ = true;
     SetAltered(true);
     // The page that is open may show the lists of the product that was copied.

@@ -45,9 +45,10 @@ class Template {
     fs::create_directory(folder);
     fs::copy_file(folder_ / "template.db", folder / "amostra.db");
     const sandbox::SandboxFile file{.database = folder / "amostra.db", .extension = sandbox::BuiltExtension()};
-    sandbox::WriteDataSources(folder / "odbc.ini", {{source, file}});
+    const SampleCopy copy{folder, source};
+    sandbox::WriteDataSources(folder / "odbc.ini", {{source, file}, {copy.other_source(), file}});
     setenv("ODBCINI", (folder / "odbc.ini").c_str(), 1);
-    return {folder, source};
+    return copy;
   }
 
  private:

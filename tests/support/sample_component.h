@@ -23,6 +23,7 @@ namespace quenta::tests {
 struct SampleCopy {
   std::string folder;
   std::string source;  // its data source
+  std::string other_source() const { return source + "-2"; }  // the same database, as a second server
 };
 
 // Each test has a database of its own, a copy of one that is made once.

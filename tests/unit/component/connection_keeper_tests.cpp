@@ -1,6 +1,7 @@
 #include "component/session/connection_keeper.h"
 
 #include "component_fixture.h"
+#include "support/fake_working_form.h"
 
 namespace quenta::tests {
 namespace {
@@ -8,19 +9,6 @@ namespace {
 using session::ConnectionCheck;
 
 constexpr const char* kNotPresent = "A ligação ao servidor SQL não está presente.";
-
-class FakeWorkingForm final : public session::WorkingForm {
- public:
-  int MousePointer() override { return pointer; }
-  void SetMousePointer(int value) override { pointer = value; }
-  void SetWindowState(int value) override { states.push_back(value); }
-  void Refresh() override { ++refreshes; }
-  controls::Form* Form() override { return nullptr; }
-
-  int pointer = 5;
-  std::vector<int> states;
-  int refreshes = 0;
-};
 
 class KeeperTest : public ComponentTest {
  protected:
