@@ -67,13 +67,14 @@ picture_of_list() {
   end_host
 }
 
-# picture_of_product CODE NAME
+# picture_of_product CODE NAME [KEY…]: the product's form, after these keys, and whatever they have opened.
 picture_of_product() {
   local form
   start_host "/user:ana" "/password:ana-senha" "/connect:login" "/open:$1"
   wait_for 90 host_said '^Aberto' || { cat "$HOST_LOG"; echo "Product $1 does not open."; return 1; }
   # The newest visible window with a caption of its own, beside the host's and the desktop's.
   wait_for 20 product_window || { echo "The form of product $1 does not appear."; return 1; }
+  [[ $# -eq 2 ]] || { sleep 1; xdotool key --delay 300 "${@:3}"; }
   take "$2" || return 1
   form=$(product_window)
   take "$2-form" "$form" || return 1
@@ -109,6 +110,11 @@ for code in "${PRODUCTS[@]}"; do
   step "Opening product $code" "picture-$code" 200 picture_of_product "$code" "$number-product-$code"
   number=$((number + 1))
 done
+step "The sales of a product" picture-vendas 200 picture_of_product 10001 7-vendas ctrl+4
+step "The minimums of a warehouse" picture-stocks 200 picture_of_product 10000 8-stocks ctrl+2 Down Return
+step "Dependent products" picture-dependentes 200 picture_of_product 10204 9-dependentes ctrl+7
+step "The generator" picture-gerar 200 picture_of_product 10032 10-gerar ctrl+7 ctrl+g
+step "Labels" picture-etiquetas 200 picture_of_product 10001 11-etiquetas ctrl+p
 if [[ ${1:-} = --docs ]]; then
   mkdir -p docs/images
   cp "$PICTURES/5-product-${PRODUCTS[1]}-form.png" docs/images/product_form.png

@@ -62,7 +62,7 @@ void frmMain::AddMenus() {
                  {},
                  {.name = "mnSair", .caption = "&Sair", .shortcut = "Esc", .on_click = [this] { Unload(); }}}},
       {.name = "mnProduto",
-       .caption = "Pro&duto",
+       .caption = "Prod&uto",
        .items = {button(Toolbar1, "duplicar", "mnDuplicar", "&Duplicar", "Ctrl+D"),
                  button(Toolbar1, "apagar", "mnApagar", "&Apagar", "Ctrl+Shift+Del"),
                  {},
@@ -156,11 +156,15 @@ bool frmMain::ShowsHistory() const {
   return page != layout_.pages.end() && page->second == &Frame3;
 }
 
-// As if the user had chosen the tab; nothing happens when the product has no such tab.
+// As if the user had chosen the tab, and gone to its list; nothing happens when the product has no such tab.
 void frmMain::ShowTab(const std::string& key) {
   if (!TabStrip1.Has(key)) return;
   TabStrip1.SelectKey(key);
   TabStrip1_Click();
+  for (const controls::LayoutRow& row : layout_.pages.at(key)->rows) {
+    const controls::Control* const control = row.cells.front().control;
+    if (control->kind() == controls::ControlKind::kListView) host().Focus(*this, control->name().c_str());
+  }
 }
 
 // Reads the list of the page that is shown again. The price list is left: it holds what the user has not saved yet.
