@@ -54,6 +54,8 @@ class Form : public std::enable_shared_from_this<Form> {
 
   // The host's window object that asked for the form, which it is placed over; null for none.
   virtual ports::HostObjectRef Caller() const { return nullptr; }
+  // The form that this one stands over, as a dialog does; null for none.
+  virtual std::shared_ptr<Form> OpenedOver() const { return nullptr; }
 
   bool loaded() const noexcept { return loaded_; }
   // True once the load has ended and the form is on the screen; false while it fills itself.

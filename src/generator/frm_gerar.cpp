@@ -83,12 +83,9 @@ class frmGerar::Run {
 
 frmGerar::frmGerar(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                    const std::shared_ptr<product::frmMain>& opener, std::int32_t produto_id)
-    : Form(host, "frmGerar"),
+    : FormOverProduct("frmGerar", session, host, forms, opener),
       ListView1("ListView1", Columns("Cor"), true),
       ListView2("ListView2", Columns("Tamanho"), true),
-      session_(session),
-      forms_(forms),
-      opener_(opener),
       produto_id_(produto_id) {
   set_caption("Gerar Produtos Dependentes");
   LayOut();
@@ -136,9 +133,8 @@ auto frmGerar::Guarded(const char* procedure, Body&& body) noexcept {
 
 void frmGerar::OnLoad() {
   Guarded("Form_Load", [&] {
-    forms_.Add(*this);
-    if (const auto opener = opener_.lock()) {
-      opener->set_enabled(false);
+    FormOverProduct::OnLoad();
+    if (const auto opener = OpenerOf(produto_id_)) {
       Label3.set_caption(opener->FXCodigo.text() + "  " + opener->FXNome.text());
     }
     FillList(ListView1, "SELECT * FROM tbProdutos_Cores ORDER BY descrit", "cor_id");
@@ -152,18 +148,7 @@ void frmGerar::OnLoad() {
 void frmGerar::OnUnload(bool& cancel) {
   cancel = generating_;
   stop_ = true;
-  // Before the window goes: the one that comes to the front then can be used.
-  if (!cancel) LetGoOfOpener();
-}
-
-void frmGerar::OnClosed() noexcept {
-  forms_.Remove(*this);
-  LetGoOfOpener();
-}
-
-void frmGerar::LetGoOfOpener() noexcept {
-  const auto opener = std::exchange(opener_, {}).lock();
-  if (opener) opener->Reactivate(1, *this);
+  FormOverProduct::OnUnload(cancel);
 }
 
 // An attribute without a text is left out: its dependants would have none, and be created again each time.
@@ -299,8 +284,7 @@ void frmGerar::TellEnd(End end, const Progress& progress) {
 
 // The opener may be gone, or show another product by now.
 void frmGerar::RefreshOpener() {
-  const auto opener = opener_.lock();
-  if (opener && opener->loaded() && opener->ProdutoId() == produto_id_) opener->Fill_Dependentes();
+  if (const auto opener = OpenerOf(produto_id_)) opener->Fill_Dependentes();
 }
 
 std::shared_ptr<controls::Form> MakeGenerator(session::Session& session, ports::FormHost& host, hosting::Forms& forms,

@@ -8,20 +8,17 @@
 #include <unordered_set>
 #include <vector>
 
-#include "component/session/session.h"
-#include "controls/form.h"
 #include "controls/list_view.h"
 #include "controls/simple_controls.h"
 #include "generator/dependant.h"
-#include "hosting/forms.h"
 #include "ports/desktop.h"
-#include "product/frm_main.h"
+#include "product/form_over_product.h"
 
 namespace quenta::generator {
 
-class frmGerar final : public controls::Form {
+class frmGerar final : public product::FormOverProduct {
  public:
-  // The opener, which shows the main product, is disabled while this form is open. It may go meanwhile.
+  // The opener shows the main product.
   frmGerar(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
            const std::shared_ptr<product::frmMain>& opener, std::int32_t produto_id);
 
@@ -50,7 +47,6 @@ class frmGerar final : public controls::Form {
  protected:
   void OnLoad() override;
   void OnUnload(bool& cancel) override;
-  void OnClosed() noexcept override;
 
  private:
   class Run;
@@ -88,11 +84,7 @@ class frmGerar final : public controls::Form {
   void Tell(const std::string& text, ports::Icon icon);
   void TellEnd(End end, const Progress& progress);
   void RefreshOpener();
-  void LetGoOfOpener() noexcept;
 
-  session::Session& session_;
-  hosting::Forms& forms_;
-  std::weak_ptr<product::frmMain> opener_;
   std::int32_t produto_id_;
   std::unordered_set<std::string> existing_;  // combinations that have a dependant
   bool generating_ = false;

@@ -26,10 +26,7 @@ std::string Count(std::size_t number) {
 
 frmEtiquetas::frmEtiquetas(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                            const std::shared_ptr<frmMain>& opener, LabelChoice choice)
-    : Form(host, "frmEtiquetas"),
-      session_(session),
-      forms_(forms),
-      opener_(opener),
+    : FormOverProduct("frmEtiquetas", session, host, forms, opener),
       choice_(std::move(choice)),
       positions_(LabelsOnSheet(choice_.sheet_template)) {
   if (positions_ == 0) {
@@ -41,11 +38,6 @@ frmEtiquetas::frmEtiquetas(session::Session& session, ports::FormHost& host, hos
   Option2.on_click = [this] { EnableFields(); };
   Command1.on_click = [this] { Command1_Click(); };
   Command2.on_click = [this] { Unload(); };
-}
-
-ports::HostObjectRef frmEtiquetas::Caller() const {
-  const auto opener = opener_.lock();
-  return opener != nullptr ? opener->Caller() : nullptr;
 }
 
 void frmEtiquetas::LayOut() {
@@ -72,8 +64,7 @@ void frmEtiquetas::LayOut() {
 }
 
 void frmEtiquetas::OnLoad() {
-  forms_.Add(*this);
-  if (const auto opener = opener_.lock()) opener->set_enabled(false);
+  FormOverProduct::OnLoad();
   const std::size_t dependants = choice_.dependants.size();
   Label1.set_caption(choice_.product.codigo + "  " + choice_.product.nome);
   if (dependants > 0) {
@@ -87,11 +78,6 @@ void frmEtiquetas::OnLoad() {
   FXQuantidade.set_text("1");
   FXPosicao.set_text("1");
   EnableFields();
-}
-
-void frmEtiquetas::OnClosed() noexcept {
-  forms_.Remove(*this);
-  if (const auto opener = opener_.lock()) opener->Reactivate(1, *this);
 }
 
 void frmEtiquetas::EnableFields() {

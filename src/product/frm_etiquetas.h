@@ -7,12 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "component/session/session.h"
-#include "controls/form.h"
 #include "controls/simple_controls.h"
 #include "controls/text_field.h"
-#include "hosting/forms.h"
-#include "product/frm_main.h"
+#include "product/form_over_product.h"
 #include "product/labels.h"
 
 namespace quenta::product {
@@ -25,13 +22,11 @@ struct LabelChoice {
   std::string sheet_template;
 };
 
-class frmEtiquetas final : public controls::Form {
+class frmEtiquetas final : public FormOverProduct {
  public:
-  // The product form is disabled until this one closes. Error 5 when the sheet's template has no place for a label.
+  // Error 5 when the sheet's template has no place for a label.
   frmEtiquetas(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                const std::shared_ptr<frmMain>& opener, LabelChoice choice);
-
-  ports::HostObjectRef Caller() const override;
 
   // Prints what was chosen, and closes. What cannot be printed is refused with a message.
   void Command1_Click();
@@ -49,7 +44,6 @@ class frmEtiquetas final : public controls::Form {
 
  protected:
   void OnLoad() override;
-  void OnClosed() noexcept override;
 
  private:
   void LayOut();
@@ -58,9 +52,6 @@ class frmEtiquetas final : public controls::Form {
   std::optional<std::size_t> Number(controls::TextField& field, const std::string& question, std::size_t most);
   void TellOfCodesWithoutBars(const std::vector<std::string>& codes);
 
-  session::Session& session_;
-  hosting::Forms& forms_;
-  std::weak_ptr<frmMain> opener_;
   LabelChoice choice_;
   std::size_t positions_;  // on a sheet
 };

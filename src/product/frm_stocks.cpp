@@ -33,20 +33,12 @@ void frmStocks::Guarded(const std::string& procedure, Body&& body) noexcept {
 
 frmStocks::frmStocks(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                      const std::shared_ptr<frmMain>& opener, std::int32_t armazem_id)
-    : Form(host, "frmStocks"),
-      session_(session),
-      forms_(forms),
-      opener_(opener),
+    : FormOverProduct("frmStocks", session, host, forms, opener),
       produto_id_(opener->ProdutoId()),
       armazem_id_(armazem_id) {
   set_caption("Stock em Armazém");
   LayOut();
   AddEvents();
-}
-
-ports::HostObjectRef frmStocks::Caller() const {
-  const auto opener = opener_.lock();
-  return opener != nullptr ? opener->Caller() : nullptr;
 }
 
 void frmStocks::LayOut() {
@@ -85,8 +77,7 @@ void frmStocks::AddEvents() {
 
 void frmStocks::OnLoad() {
   Guarded("Form_Load", [&] {
-    forms_.Add(*this);
-    if (const auto opener = opener_.lock()) opener->set_enabled(false);
+    FormOverProduct::OnLoad();
     // Without the record there is nothing to save: empty fields would erase quantities that nobody has seen.
     Command1.set_enabled(false);
     ShowRecord();
@@ -154,18 +145,13 @@ void frmStocks::SaveRecord() {
 
 // The product form may be gone by now, or show another product.
 void frmStocks::ShowInList() {
-  const auto opener = opener_.lock();
-  if (opener == nullptr || !opener->loaded() || opener->ProdutoId() != produto_id_) return;
+  const auto opener = OpenerOf(produto_id_);
+  if (opener == nullptr) return;
   controls::ListItem* const row = opener->ListView1.Find("#" + base::DecimalText(armazem_id_));
   if (row == nullptr) return;
   row->sub_items.at(1) = ListText(FXStockMinimo, session_.locale());
   row->sub_items.at(2) = ListText(FXReposicao, session_.locale());
   opener->ListView1.ItemsChanged();
-}
-
-void frmStocks::OnClosed() noexcept {
-  forms_.Remove(*this);
-  if (const auto opener = opener_.lock()) opener->Reactivate(1, *this);
 }
 
 }  // namespace quenta::product

@@ -5,22 +5,16 @@
 #include <memory>
 #include <string>
 
-#include "component/session/session.h"
-#include "controls/form.h"
 #include "controls/simple_controls.h"
 #include "controls/text_field.h"
-#include "hosting/forms.h"
-#include "product/frm_main.h"
+#include "product/form_over_product.h"
 
 namespace quenta::product {
 
-class frmStocks final : public controls::Form {
+class frmStocks final : public FormOverProduct {
  public:
-  // The product form is disabled from the load until this one closes. It may go earlier: the host can take it away.
   frmStocks(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
             const std::shared_ptr<frmMain>& opener, std::int32_t armazem_id);
-
-  ports::HostObjectRef Caller() const override;
 
   // Saves both quantities, shows them in the product form's stock list, and closes. The form stays open when the user
   // may not change products, who is then told, and when saving failed, which is reported.
@@ -39,7 +33,6 @@ class frmStocks final : public controls::Form {
 
  protected:
   void OnLoad() override;
-  void OnClosed() noexcept override;
 
  private:
   // Runs a procedure by the convention for errors.
@@ -52,9 +45,6 @@ class frmStocks final : public controls::Form {
   void SaveRecord();
   void ShowInList();
 
-  session::Session& session_;
-  hosting::Forms& forms_;
-  std::weak_ptr<frmMain> opener_;
   std::int32_t produto_id_;
   std::int32_t armazem_id_;
 };

@@ -22,7 +22,7 @@ namespace quenta::tests {
 // One test's copy of the sample database.
 struct SampleCopy {
   std::string folder;
-  std::string source;  // its data source
+  std::string source;                                         // its data source
   std::string other_source() const { return source + "-2"; }  // the same database, as a second server
 };
 

@@ -59,6 +59,8 @@ void FormHost::Show(controls::Form& form) {
 
 HWND FormHost::WindowToOpenOver(const controls::Form& form) const {
   HWND window = nullptr;
+  if (const auto below = form.OpenedOver()) window = WindowOf(*below);
+  if (window != nullptr) return window;
   if (const auto caller = std::dynamic_pointer_cast<HostWindowObject>(form.Caller())) window = caller->Window();
   if (window == nullptr) window = GetActiveWindow();
   if (window == nullptr) window = GetForegroundWindow();

@@ -1,0 +1,31 @@
+#include "product/form_over_product.h"
+
+#include <utility>
+
+namespace quenta::product {
+
+void FormOverProduct::OnLoad() {
+  forms_.Add(*this);
+  if (const auto opener = opener_.lock()) opener->set_enabled(false);
+}
+
+// Before the window goes: the one that comes to the front then can be used.
+void FormOverProduct::OnUnload(bool& cancel) {
+  if (!cancel) GiveBack();
+}
+
+void FormOverProduct::OnClosed() noexcept {
+  forms_.Remove(*this);
+  GiveBack();
+}
+
+std::shared_ptr<frmMain> FormOverProduct::OpenerOf(std::int32_t produto_id) const {
+  const auto opener = opener_.lock();
+  return opener && opener->loaded() && opener->ProdutoId() == produto_id ? opener : nullptr;
+}
+
+void FormOverProduct::GiveBack() noexcept {
+  if (const auto opener = std::exchange(opener_, {}).lock()) opener->Reactivate(1, *this);
+}
+
+}  // namespace quenta::product
