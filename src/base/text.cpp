@@ -4,8 +4,6 @@
 
 namespace quenta::base {
 
-using std::string_view_literals::operator""sv;
-
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -109,7 +107,7 @@ char32_t UpperOf(char32_t code) {
 
 // The letter without its accent, for small letters up to U+00FF.
 char32_t PlainLetterOf(char32_t code) {
-  constexpr std::string_view kPlain = "aaaaaa\0ceeeeiiii\0nooooo\0ouuuuy\0y"sv;
+  constexpr char kPlain[] = "aaaaaa\0ceeeeiiii\0nooooo\0ouuuuy\0y";
   if (code < 0xE0 || code > 0xFF) return code;
   const char plain = kPlain[code - 0xE0];
   return plain == '\0' ? code : static_cast<char32_t>(plain);

@@ -15,7 +15,7 @@ class Component final : private ports::TimerTarget {
  public:
   Component(session::Session& session, ports::ProductForms& product_forms, ports::FormHost& form_host)
       : session_(session), product_forms_(product_forms), form_host_(form_host) {}
-  ~Component() { DropRequests(); }
+  ~Component() override { DropRequests(); }
   Component(const Component&) = delete;
   Component& operator=(const Component&) = delete;
 

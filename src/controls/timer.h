@@ -11,7 +11,7 @@ class Timer final : public ports::TimerTarget {
  public:
   // Disabled at first. The interval counts in milliseconds.
   Timer(ports::FormHost& host, int interval) : host_(host), interval_(interval) {}
-  ~Timer() { set_enabled(false); }
+  ~Timer() override { set_enabled(false); }
   Timer(const Timer&) = delete;
   Timer& operator=(const Timer&) = delete;
 

@@ -10,10 +10,8 @@ namespace quenta::ports {
 // Who is told that a timer's interval has passed.
 class TimerTarget {
  public:
+  virtual ~TimerTarget() = default;
   virtual void OnTimer() noexcept = 0;
-
- protected:
-  ~TimerTarget() = default;
 };
 
 class FormHost {
