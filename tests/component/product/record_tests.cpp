@@ -205,6 +205,20 @@ TEST_F(RecordTest, EveryWayOfChangingTextMarksAndSettingItDoesNot) {
   EXPECT_TRUE(Reports().empty());
 }
 
+TEST_F(RecordTest, ANameIsCompletedFromThoseOfItsFamily) {
+  const FormOnScreen form = OpenCode("10000");
+  form.FocusOn("FXNome");
+  SendMessageW(GetFocus(), EM_SETSEL, 0, -1);
+  form.Type("az");
+  const std::string completed = form.Text("FXNome");
+  EXPECT_EQ(base::ToLower(completed.substr(0, 2)), "az");
+  EXPECT_GT(completed.size(), 5U) << "the rest is proposed";
+  form.Type("qq");
+  EXPECT_EQ(base::ToLower(form.Text("FXNome")), "azqq") << "and typed over";
+  EXPECT_TRUE(form.ButtonIsEnabled("Toolbar1", "gravar"));
+  EXPECT_TRUE(Reports().empty());
+}
+
 TEST_F(RecordTest, TheSecondNewProductIsAnotherOne) {
   const FormOnScreen first = NewProduct();
   New(*general.Get());
