@@ -4,21 +4,21 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <random>
 #include <vector>
 
 namespace quenta::bench {
 namespace {
 
-constexpr int kRounds = 60;
+constexpr int kRounds = 700;
 constexpr int kTries = 5;
-constexpr double kBlockMicroseconds = 12000;
 
 using Clock = std::chrono::steady_clock;
 
-double TimeOf(const std::function<void()>& work, int repeats) {
+double TimeOf(const std::function<void()>& work) {
   const auto start = Clock::now();
-  for (int i = 0; i < repeats; ++i) work();
-  return std::chrono::duration<double, std::micro>(Clock::now() - start).count() / repeats;
+  work();
+  return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
 }
 
 double Median(std::vector<double> times) {
@@ -29,12 +29,12 @@ double Median(std::vector<double> times) {
 Outcome MeasureOnce(const Row& row) {
   const std::array<const std::function<void()>*, 3> sides{&row.replay, &row.replay, &row.ours};
   std::array<std::vector<double>, 3> times;
-  const int repeats = std::max(1, static_cast<int>(kBlockMicroseconds / std::max(1.0, TimeOf(row.replay, 3))));
+  // In a random order that is the same every time: none of the three always finds the caches as another has left them.
+  std::array<std::size_t, 3> order{0, 1, 2};
+  std::minstd_rand random;
   for (int round = 0; round < kRounds; ++round) {
-    for (std::size_t turn = 0; turn < sides.size(); ++turn) {
-      const std::size_t side = (turn + static_cast<std::size_t>(round)) % sides.size();
-      times[side].push_back(TimeOf(*sides[side], repeats));
-    }
+    std::shuffle(order.begin(), order.end(), random);
+    for (const std::size_t side : order) times[side].push_back(TimeOf(*sides[side]));
   }
   Outcome outcome;
   outcome.replay_us = Median(times[0]);

@@ -21,8 +21,9 @@ struct Outcome {
   bool valid = false;     // the replay against itself stayed within 0.98 to 1.02
 };
 
-// Times blocks of replay, replay again and ours in rotating order and takes medians. Void runs are repeated a few
-// times; the last outcome says whether it is valid.
+// Times single runs of replay, replay again and ours, taking turns in changing order, and takes medians: what disturbs
+// the machine hits few of them, and hits all sides alike. Void measurements are repeated a few times; the last outcome
+// says whether it is valid.
 Outcome Measure(const Row& row);
 
 // Prints the row beside its limit; true when it is valid and within.

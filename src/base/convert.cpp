@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "base/date.h"
@@ -341,6 +342,10 @@ std::string ToText(const Value& value, const Locale& locale) {
       return value.text();
   }
   return {};
+}
+
+std::string ToText(Value&& value, const Locale& locale) {
+  return value.is_text() ? std::move(value).TakeText() : ToText(std::as_const(value), locale);
 }
 
 namespace {

@@ -24,6 +24,8 @@ std::optional<Date> ParseDate(std::string_view text, const Locale& locale);
 // Text of a value: numbers with the locale's decimal separator and without thousands separators, True and False,
 // dates in the short form (with the time when there is one), Empty as "".
 std::string ToText(const Value& value, const Locale& locale);
+// The same; a value that is text gives its text away.
+std::string ToText(Value&& value, const Locale& locale);
 
 // Text of a number with a point: up to 15 significant digits for double, 7 for single precision, scientific outside
 // that range ("1E+15").

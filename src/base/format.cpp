@@ -42,7 +42,7 @@ Digits DigitsOf(std::string text) {
     return result;
   }
   result.point -= static_cast<int>(first);
-  result.digits = text.substr(first);
+  result.digits = std::move(text.erase(0, first));
   return result;
 }
 

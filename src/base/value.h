@@ -76,6 +76,9 @@ class Value {
   }
   const std::string& text() const { return get<std::string>(); }
 
+  // The text, moved out.
+  std::string TakeText() && { return std::get<std::string>(std::move(storage_)); }
+
   const Storage& storage() const noexcept { return storage_; }
 
   // Same kind and same content; no conversion between kinds.

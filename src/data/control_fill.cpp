@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 
 #include "base/convert.h"
 #include "component/session/connection_keeper.h"
@@ -26,19 +28,21 @@ bool ControlFill(session::Session& session, controls::ComboBox& control, const s
                  const std::string& text_column, const std::string& id_column) {
   return session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
     session::EnsureConnection(session);
-    const ports::RowSet rows = session.Query(sql);
+    ports::RowSet rows = session.Query(sql);
     if (rows.empty()) return true;
     const std::size_t text_at = ExactColumn(rows, text_column);
     const std::size_t id_at = id_column.empty() ? kMissing : ExactColumn(rows, id_column);
     if (text_at == kMissing || (!id_column.empty() && id_at == kMissing)) return false;
     const controls::ComboBox::Update update(control);
     control.Clear();
-    for (const ports::Row row : rows) {
-      if (row.At(text_at).is_null()) continue;
-      control.AddItem(base::ToText(row.At(text_at), session.locale()));
-      if (id_at != kMissing && !row.At(id_at).is_null()) {
-        control.SetItemData(control.NewIndex(), base::ToLong(row.At(id_at), session.locale()));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      if (rows.Cell(i, text_at).is_null()) continue;
+      std::optional<std::int32_t> id;
+      if (id_at != kMissing && !rows.Cell(i, id_at).is_null()) {
+        id = base::ToLong(rows.Cell(i, id_at), session.locale());
       }
+      control.AddItem(base::ToText(rows.Take(i, text_at), session.locale()));
+      if (id) control.SetItemData(control.NewIndex(), *id);
     }
     return true;
   });

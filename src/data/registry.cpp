@@ -101,13 +101,12 @@ base::Value Registry::ObterValorString(const std::string& key_path, const std::s
       result = shadow;
     } else {
       // Stored references must not form a cycle; where they do all the same, the value counts as missing.
-      std::vector<std::string> followed{base::ToUpper(key_path)};
+      std::vector<std::string> followed;
       result = ValorString(key_path, value_name);
       while (result.is_text() && std::string_view(result.text()).starts_with(kReference)) {
+        followed.push_back(base::ToUpper(last_key_path));
         last_key_path = result.text().substr(kReference.size());
-        std::string seen = base::ToUpper(last_key_path);
-        const bool again = std::find(followed.begin(), followed.end(), seen) != followed.end();
-        followed.push_back(std::move(seen));
+        const bool again = std::find(followed.begin(), followed.end(), base::ToUpper(last_key_path)) != followed.end();
         result = again ? base::Value::Null() : ValorString(last_key_path, value_name);
       }
     }

@@ -12,9 +12,8 @@ constexpr char FoldAscii(char c) {
 }
 
 bool SameName(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  return a == b ||
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return FoldAscii(x) == FoldAscii(y); });
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                            [](char x, char y) { return x == y || FoldAscii(x) == FoldAscii(y); });
 }
 
 }  // namespace
@@ -26,13 +25,24 @@ std::optional<std::size_t> RowSet::FindColumn(std::string_view name) const {
   return std::nullopt;
 }
 
-const base::Value& Row::operator[](std::string_view column) const {
-  const auto position = rows_->FindColumn(column);
+std::size_t RowSet::Column(std::string_view name) const {
+  const auto position = FindColumn(name);
   if (!position) {
     throw base::Error(base::error_number::kItemNotFound,
-                      "Item cannot be found in the collection: " + std::string(column));
+                      "Item cannot be found in the collection: " + std::string(name));
   }
-  return At(*position);
+  return *position;
+}
+
+std::vector<std::size_t> RowSet::Columns(std::span<const char* const> names) const {
+  std::vector<std::size_t> positions;
+  positions.reserve(names.size());
+  for (const char* const name : names) positions.push_back(Column(name));
+  return positions;
+}
+
+const base::Value& Row::operator[](std::string_view column) const {
+  return At(rows_->Column(column));
 }
 
 }  // namespace quenta::ports

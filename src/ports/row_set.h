@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +54,9 @@ class RowSet {
   const std::vector<std::string>& columns() const noexcept { return columns_; }
   // Position of the column, found as Row::operator[] finds it.
   std::optional<std::size_t> FindColumn(std::string_view name) const;
+  // The same, for lists of many rows: Error 3265 when the result has no such column.
+  std::size_t Column(std::string_view name) const;
+  std::vector<std::size_t> Columns(std::span<const char* const> names) const;
 
   bool empty() const noexcept { return cells_.empty(); }
   std::size_t size() const noexcept { return columns_.empty() ? 0 : cells_.size() / columns_.size(); }
@@ -64,6 +68,8 @@ class RowSet {
   // Cells are stored row after row; an adapter appends them in column order.
   void Append(base::Value cell) { cells_.push_back(std::move(cell)); }
   void Reserve(std::size_t rows) { cells_.reserve(rows * columns_.size()); }
+  // Moves a cell's value out; the cell is not to be read again.
+  base::Value Take(std::size_t row, std::size_t column) { return std::move(cells_[row * columns_.size() + column]); }
   const base::Value& Cell(std::size_t row, std::size_t column) const { return cells_[row * columns_.size() + column]; }
 
  private:

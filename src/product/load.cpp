@@ -3,7 +3,6 @@
 
 #include "base/convert.h"
 #include "base/date.h"
-#include "base/format.h"
 #include "base/text.h"
 #include "controls/field_value.h"
 #include "data/registry.h"
@@ -135,8 +134,7 @@ void frmMain::LockProduto(bool locked) {
 
 void frmMain::SetHistoryPeriod() {
   const base::Date today = data::ServerDate(session_);
-  const std::string year = base::Format(today, "yyyy", session_.locale());
-  Set(FXData_Inicio, base::Format("01-01-" + year, "dd-mm-yyyy", session_.locale()));
+  Set(FXData_Inicio, *base::MakeDate({base::ToCalendar(today).year, 1, 1, 0, 0, 0}));
   Set(FXData_Fim, base::Date{today.days + 1});
 }
 

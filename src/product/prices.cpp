@@ -1,4 +1,7 @@
 // The price list: the working copy of the product's price lines, and the line that is shown in the entry fields.
+#include <iterator>
+#include <vector>
+
 #include "base/convert.h"
 #include "base/format.h"
 #include "base/text.h"
@@ -11,17 +14,19 @@ namespace {
 
 constexpr const char* kDefaultMark = " [Predefinido]";
 
+// A line's sub-items by position: the columns they come from, and what stands there for Null. The first two are for the
+// user, the others are raw values.
+constexpr const char* kColumns[] = {"preco",       "preco_total", "preco", "iva_id",     "iva",
+                                    "preco_total", "desconto",    "tipo",  "iva_descrit"};
+constexpr const char* kForNull[] = {" ", " ", "0", "0", "0", "0", "0", "0", ""};
+constexpr std::size_t kShownColumns = 2;
+static_assert(std::size(kColumns) == price_position::kIvaDescrit && std::size(kForNull) == std::size(kColumns));
+
 }  // namespace
 
 bool frmMain::Fill_Precos() {
   return Guarded("Fill_Precos", [&] {
     const base::Locale& locale = session_.locale();
-    const auto shown = [&](const base::Value& value) {
-      return value.is_null() ? std::string(" ") : base::Format(value, "0.00", locale);
-    };
-    const auto raw = [&](const base::Value& value, const char* for_null) {
-      return value.is_null() ? std::string(for_null) : base::ToText(value, locale);
-    };
     const ports::RowSet lines = session_.Query(
         "SELECT tbProdutos_Precos.*, tbProdutos_Precos_Tipos.descrit as tipo FROM tbProdutos_Precos LEFT JOIN "
         "tbProdutos_Precos_Tipos ON tbProdutos_Precos.tipo_id = tbProdutos_Precos_Tipos.tipo_id WHERE produto_id = " +
@@ -29,14 +34,24 @@ bool frmMain::Fill_Precos() {
     PrecoKey.clear();
     PrecosAltered = false;
     ListView2.Clear();
+    if (lines.empty()) return true;
+    const std::size_t tipo_id = lines.Column("tipo_id");
+    const std::size_t tipo = lines.Column("tipo");
+    const std::size_t predef = lines.Column("predef");
+    const std::vector<std::size_t> columns = lines.Columns(kColumns);
     for (const ports::Row line : lines) {
-      const std::string key = "#" + base::ToText(line["tipo_id"], locale);
-      controls::ListItem& item = ListView2.Add(key, raw(line["tipo"], " "));
+      const std::string key = "#" + base::ToText(line.At(tipo_id), locale);
+      const base::Value& name = line.At(tipo);
+      controls::ListItem& item = ListView2.Add(key, name.is_null() ? " " : base::ToText(name, locale));
       item.small_icon = kLineIcon;
-      item.sub_items = {shown(line["preco"]),       shown(line["preco_total"]), raw(line["preco"], "0"),
-                        raw(line["iva_id"], "0"),   raw(line["iva"], "0"),      raw(line["preco_total"], "0"),
-                        raw(line["desconto"], "0"), raw(line["tipo"], "0"),     raw(line["iva_descrit"], "")};
-      if (!base::IsNonZero(line["predef"])) continue;
+      item.sub_items.reserve(columns.size());
+      for (std::size_t i = 0; i < columns.size(); ++i) {
+        const base::Value& value = line.At(columns[i]);
+        item.sub_items.push_back(value.is_null()     ? kForNull[i]
+                                 : i < kShownColumns ? base::Format(value, "0.00", locale)
+                                                     : base::ToText(value, locale));
+      }
+      if (!base::IsNonZero(line.At(predef))) continue;
       item.small_icon = kDefaultLineIcon;
       item.text += kDefaultMark;
       ListView2.Select(ListView2.Count() - 1);

@@ -1,5 +1,5 @@
 // The stock list: per warehouse the units in stock, the minimum, the reposition quantity and the units on order.
-#include <iterator>
+#include <vector>
 
 #include "base/convert.h"
 #include "base/format.h"
@@ -29,14 +29,19 @@ void frmMain::Fill_Stocks() {
         "LEFT JOIN tbArmazens ON tbProdutos_Stocks.armazem_id = tbArmazens.armazem_id WHERE "
         "tbProdutos_Stocks.produto_id = " +
         base::DecimalText(produto_id_));
+    if (rows.empty()) return;
+    // Named once, not in every row: there may be many warehouses.
+    const std::size_t armazem_id = rows.Column("armazem_id");
+    const std::size_t armazem = rows.Column("armazem");
+    const std::vector<std::size_t> units = rows.Columns(kStockColumns);
     for (const ports::Row row : rows) {
-      const base::Value& armazem = row["armazem"];
-      controls::ListItem& item = ListView1.Add("#" + base::ToText(row["armazem_id"], locale),
-                                               armazem.is_null() ? " " : base::ToText(armazem, locale));
-      item.sub_items.reserve(std::size(kStockColumns));
-      for (const char* column : kStockColumns) {
-        const base::Value& units = row[column];
-        item.sub_items.push_back(units.is_null() ? std::string(" ") : base::Format(units, "0.00", locale));
+      const base::Value& name = row.At(armazem);
+      controls::ListItem& item = ListView1.Add("#" + base::ToText(row.At(armazem_id), locale),
+                                               name.is_null() ? " " : base::ToText(name, locale));
+      item.sub_items.reserve(units.size());
+      for (const std::size_t column : units) {
+        const base::Value& number = row.At(column);
+        item.sub_items.push_back(number.is_null() ? std::string(" ") : base::Format(number, "0.00", locale));
       }
     }
   });

@@ -258,6 +258,29 @@ TEST_P(DatabaseContract, ASilentServerEndsWithinTheTimeAndHoldsNobodyUp) {
   EXPECT_LT(Clock::now() - before_open, std::chrono::seconds(3));
 }
 
+TEST_P(DatabaseContract, ALineThatDiedIsFoundOutByAStatementAndCanBeOpenedAgain) {
+  if (Backend::HasNoFaults()) GTEST_SKIP() << "has no lines that can be cut";
+  CreateTable("contract_cut (x INT)");
+  const auto cut = Connect();
+  const auto in_transaction = Connect();
+  in_transaction->BeginTransaction();
+  in_transaction->Execute("INSERT INTO contract_cut VALUES (1)");
+  backend_->CutLines();
+  EXPECT_EQ(cut->State(), ConnectionState::kOpen);
+  for (ports::Connection* connection : {cut.get(), in_transaction.get()}) {
+    EXPECT_EQ(FailureOf([&] { connection->Query("SELECT 1 AS one"); }).number, kDataAccess);
+    EXPECT_EQ(connection->State(), ConnectionState::kOpen) << "the state is the last to know";
+    EXPECT_EQ(FailureOf([&] { connection->Execute("SELECT 1 AS one"); }).number, kDataAccess);
+  }
+  backend_->MendLines();
+  EXPECT_EQ(FailureOf([&] { cut->Query("SELECT 1 AS one"); }).number, kDataAccess) << "not by itself";
+  EXPECT_EQ(FailureOf([&] { in_transaction->RollbackTransaction(); }).number, kDataAccess);
+  cut->Close();
+  cut->SetConnectionString(backend_->Good());
+  cut->Open();
+  EXPECT_EQ(cut->Query("SELECT COUNT(*) AS n FROM contract_cut").front()["n"], Value(0)) << "the server rolled back";
+}
+
 TEST_P(DatabaseContract, AnOpenConnectionForgetsThePassword) {
   EXPECT_EQ(connection_->ConnectionString().find("Password"), std::string::npos) << connection_->ConnectionString();
   EXPECT_NE(connection_->ConnectionString().find("Data Source="), std::string::npos);

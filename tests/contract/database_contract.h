@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -32,9 +34,18 @@ class Backend {
   // Machines without a network loop cannot play a server that never answers.
   virtual bool HasNoSilentSource() { return true; }
 
+  // Lets every open line die with its next statement, until they are mended. Only where HasNoFaults() is false: the
+  // sandbox plays them when QUENTA_FAULTS names a file.
+  void CutLines() { WriteFaults("* = drop"); }
+  void MendLines() { WriteFaults(""); }
+  static bool HasNoFaults() { return std::getenv("QUENTA_FAULTS") == nullptr; }
+
   // Wine's ODBC breaks now and then when several threads of one process use it, which the component never does. The
   // writers then take turns in their threads.
   virtual bool HasNoParallelThreads() { return false; }
+
+ private:
+  static void WriteFaults(const char* text) { std::ofstream(std::getenv("QUENTA_FAULTS")) << text << "\n"; }
 };
 
 // Runs the suite with INSTANTIATE_TEST_SUITE_P(Name, DatabaseContract, testing::Values(&MakeBackend)).

@@ -99,6 +99,7 @@ class OdbcEnvironment final : public testing::Environment {
     if (!mkdtemp(pattern.data())) throw std::runtime_error("no folder for the contract's database");
     folder_ = pattern;
     setenv("ODBCINI", (folder_ / "odbc.ini").c_str(), 1);
+    setenv("QUENTA_FAULTS", (folder_ / "faults.txt").c_str(), 1);
     Prepare(folder_);
     std::ofstream(folder_ / "odbc.ini", std::ios::app)
         << "[silent]\nDriver=FreeTDS\nServer=127.0.0.1\nTDS_Version=7.4\nPort=" << silent_.port() << "\n";

@@ -18,7 +18,8 @@ QUENTA_CONTRACT_FOLDER=$(mktemp -d)
 trap 'rm -rf "$QUENTA_CONTRACT_FOLDER"' EXIT
 # The driver manager is the host's and reads the host's environment, so that these must be there before Wine starts.
 ODBCINI=$QUENTA_CONTRACT_FOLDER/odbc.ini
-export QUENTA_CONTRACT_FOLDER ODBCINI
+QUENTA_FAULTS=$QUENTA_CONTRACT_FOLDER/faults.txt
+export QUENTA_CONTRACT_FOLDER ODBCINI QUENTA_FAULTS
 
 [ -f "$WINEPREFIX/system.reg" ] || WINEDLLOVERRIDES='mscoree,mshtml=' wineboot -i >/dev/null 2>&1
 wine regsvr32 /s "$(winepath -w "$dll")" 2>/dev/null || { echo "regsvr32 failed for $dll" >&2; exit 1; }

@@ -1,6 +1,8 @@
 #include "base/convert.h"
 
 #include <cmath>
+#include <cstdio>
+#include <random>
 
 #include "base/date.h"
 #include "base/error.h"
@@ -137,6 +139,22 @@ TEST(Calendar, CountsForwardFromMidnightBeforeTheZeroDate) {
   EXPECT_EQ(ToCalendar(six_in_the_morning), (CalendarTime{1899, 12, 29, 6, 0, 0}));
   EXPECT_EQ(ToCalendar(Date{43099.9999999}), (CalendarTime{2017, 12, 31, 0, 0, 0}));
   EXPECT_THROW(ToCalendar(Date{1e9}), Error);
+}
+
+// Amounts with few decimals are written by another way than the rest; both give what the C library gives.
+TEST(NumberText, IsTheShortestTextOfFifteenDigitsForNumbersOfEveryKind) {
+  std::minstd_rand random;
+  std::uniform_real_distribution<double> exponent(-9, 17);
+  for (int i = 0; i < 50000; ++i) {
+    const double any = std::pow(10, exponent(random)) * (i % 2 == 0 ? 1 : -1);
+    for (const double number : {any, std::round(any), std::round(any * 100) / 100, std::round(any * 100000) / 100000}) {
+      char text[40];
+      std::snprintf(text, sizeof text, "%.15g", number == 0 ? 0 : number);
+      std::string expected = text;
+      if (const std::size_t mark = expected.find('e'); mark != std::string::npos) expected[mark] = 'E';
+      ASSERT_EQ(NumberText(number), expected);
+    }
+  }
 }
 
 }  // namespace

@@ -19,9 +19,10 @@ class GeneratorTest : public SampleComponentTest {
   std::shared_ptr<generator::frmGerar> OpenGenerator(const std::string& codigo) {
     opener = OpenForm(IdOfCode(codigo));
     main_id = std::to_string(opener->ProdutoId());
+    const auto before = form_host.shown;
     opener->Toolbar2.Clicked("gerar");
     for (const auto& [form, alive] : form_host.shown) {
-      if (form->name() == "frmGerar") return std::static_pointer_cast<generator::frmGerar>(alive);
+      if (form->name() == "frmGerar" && !before.contains(form)) return std::static_pointer_cast<generator::frmGerar>(alive);
     }
     return nullptr;
   }
