@@ -325,7 +325,11 @@ void ProductFixture::AnswerNext(std::vector<int> buttons) {
 // A message box is its thread's active dialog while it is open; its loop delivers our timer.
 void CALLBACK ProductFixture::LookForBox(HWND, UINT, UINT_PTR, DWORD) noexcept {
   const HWND box = FindWindowW(L"#32770", nullptr);
-  if (current == nullptr || box == nullptr || box == current->answered_) return;
+  if (current == nullptr) return;
+  if (box == nullptr) current->answered_ = nullptr;
+  // The next box may have the same handle.
+  constexpr int kPatience = 10;
+  if (box == nullptr || (box == current->answered_ && ++current->looks_ < kPatience)) return;
   if (GetWindowThreadProcessId(box, nullptr) != GetCurrentThreadId()) return;
   current->box_title = WindowText(box);
   current->box_text.clear();
@@ -333,6 +337,7 @@ void CALLBACK ProductFixture::LookForBox(HWND, UINT, UINT_PTR, DWORD) noexcept {
     if (ClassOf(child) == "static") current->box_text += WindowText(child);
   }
   current->answered_ = box;
+  current->looks_ = 0;
   std::vector<int>& buttons = current->box_buttons_;
   if (buttons.empty()) {
     ADD_FAILURE() << "nobody expected this box: " << current->box_text;

@@ -22,7 +22,8 @@ class GeneratorTest : public SampleComponentTest {
     const auto before = form_host.shown;
     opener->Toolbar2.Clicked("gerar");
     for (const auto& [form, alive] : form_host.shown) {
-      if (form->name() == "frmGerar" && !before.contains(form)) return std::static_pointer_cast<generator::frmGerar>(alive);
+      if (form->name() == "frmGerar" && !before.contains(form))
+        return std::static_pointer_cast<generator::frmGerar>(alive);
     }
     return nullptr;
   }
