@@ -56,7 +56,11 @@ std::string ClassOf(HWND window) {
 }  // namespace
 
 void Pump() {
-  while (MsgWaitForMultipleObjectsEx(0, nullptr, 40, QS_ALLINPUT, MWMO_INPUTAVAILABLE) == WAIT_OBJECT_0) {
+  // On a machine that is busy, timers alone could keep it from ever being quiet.
+  constexpr ULONGLONG kLongest = 10000;  // milliseconds
+  const ULONGLONG start = GetTickCount64();
+  while (GetTickCount64() - start < kLongest &&
+         MsgWaitForMultipleObjectsEx(0, nullptr, 40, QS_ALLINPUT, MWMO_INPUTAVAILABLE) == WAIT_OBJECT_0) {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
       TranslateMessage(&message);
