@@ -107,7 +107,7 @@ class ProductFixture : public testing::Test {
   platform::ComPtr<IDispatch> database_;
   UINT_PTR box_timer_ = 0;
   std::vector<int> box_buttons_;  // for the boxes to come
-  HWND answered_ = nullptr;  // the box that has got its answer, and the looks it has survived since
+  HWND answered_ = nullptr;       // the box that has got its answer, and the looks it has survived since
   int looks_ = 0;
   std::size_t reports_seen_ = 0;
 };
