@@ -6,8 +6,8 @@
 #include <limits>
 #include <optional>
 
-#include "base/ansi.h"
 #include "base/text.h"
+#include "sandbox/odbc/code_page.h"
 #include "sandbox/odbc/server_error.h"
 
 namespace quenta::sandbox {
@@ -480,9 +480,17 @@ std::string FirstUnits(std::string_view text, int units) {
   return base::FromUtf16(wide.substr(0, length));
 }
 
-Cell ToSqlText(const Cell& cell, const SqlType& from, const SqlType& to, Conversion conversion, int style) {
+// As the server says it since its version 2019; before, it was message 8152 and ended behind "truncated".
+[[noreturn]] void RaiseTruncated(std::string_view value, std::string_view place) {
+  constexpr int kMostShown = 100;
+  throw ServerError(message::kTruncated, "String or binary data would be truncated in " + std::string(place) +
+                                             ". Truncated value: '" + FirstUnits(value, kMostShown) + "'.");
+}
+
+Cell ToSqlText(const Cell& cell, const SqlType& from, const SqlType& to, Conversion conversion, int style,
+               std::string_view place) {
   std::string text = TextOf(cell, from, style);
-  if (from.is_national() && !to.is_national()) text = base::FromAnsi(base::ToAnsi(text));
+  if (from.is_national() && !to.is_national()) text = Narrowed(text);
   if (to.size == 0 || conversion == Conversion::kCompare) return text;
   const auto size = static_cast<std::size_t>(to.size);
   const std::size_t length = base::Utf16Length(text);
@@ -493,8 +501,7 @@ Cell ToSqlText(const Cell& cell, const SqlType& from, const SqlType& to, Convers
       RaiseOverflow(from.is_integer() ? "expression" : TypeName(from), to);
     }
     const bool only_blanks_lost = text.find_first_not_of(' ', shortened.size()) == std::string::npos;
-    if (conversion == Conversion::kAssign && !only_blanks_lost)
-      throw ServerError(message::kTruncated, "String or binary data would be truncated.");
+    if (conversion == Conversion::kAssign && !only_blanks_lost) RaiseTruncated(shortened, place);
     return shortened;
   }
   if (to.is_fixed_text()) text.append(size - length, ' ');
@@ -534,9 +541,10 @@ double Number(const Cell& cell) {
 
 }  // namespace
 
-Cell ConvertCell(const Cell& cell, const SqlType& from, const SqlType& to, Conversion conversion, int style) {
+Cell ConvertCell(const Cell& cell, const SqlType& from, const SqlType& to, Conversion conversion, int style,
+                 std::string_view place) {
   if (std::holds_alternative<std::monostate>(cell)) return cell;
-  if (to.is_text()) return ToSqlText(cell, from, to, conversion, style);
+  if (to.is_text()) return ToSqlText(cell, from, to, conversion, style, place);
   if (to.is_date()) return ToDate(cell, from, to, style);
   if (from.is_date() && conversion != Conversion::kConvert) RaiseNotAllowed(from, to);
   if (from.is_date()) {

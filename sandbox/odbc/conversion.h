@@ -21,8 +21,9 @@ enum class Conversion {
 };
 
 // Converts by the server's rules. Throws ServerError with the server's own message. `style` is CONVERT's third
-// argument.
-Cell ConvertCell(const Cell& cell, const SqlType& from, const SqlType& to, Conversion conversion, int style = 0);
+// argument; `place` names the column that is assigned to as a message does ("table 't', column 'c'").
+Cell ConvertCell(const Cell& cell, const SqlType& from, const SqlType& to, Conversion conversion, int style = 0,
+                 std::string_view place = {});
 
 // Decimal digits of a number, rounded half away from zero to `scale` places: ("2.345", 2) gives "2.35", ("-0.4", 0)
 // gives "0". Takes plain and exponent notation.

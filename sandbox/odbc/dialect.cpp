@@ -120,6 +120,10 @@ Translation Translator::Statement() {
     SetStatement();
   } else if (first.kind == TokenKind::kWord && IsReserved(first.text)) {
     throw ServerError(message::kSandboxLimit, "The sandbox does not know the statement '" + result_.verb + "'.");
+  } else if (at_ == 0 && IsName()) {  // a batch that begins with no statement's word calls a procedure
+    const std::string name = Name();
+    if (Peek().kind == TokenKind::kSign && !IsSign(";") && !IsSign("-")) RaiseSyntax();
+    throw ServerError(message::kNoProcedure, "Could not find stored procedure '" + name + "'.");
   } else {
     RaiseSyntax();
   }
@@ -144,7 +148,8 @@ const SchemaObject& Translator::WritableTable(const std::string& name) const {
 }
 
 std::string Translator::Assigned(Fragment value, const SchemaColumn& column) {
-  return Converted(std::move(value), column.type, Conversion::kAssign).sql;
+  const std::string place = "table '" + facts_.catalogue + ".dbo." + result_.table + "', column '" + column.name + "'";
+  return Converted(std::move(value), column.type, Conversion::kAssign, std::nullopt, place).sql;
 }
 
 std::vector<std::string> Translator::ColumnList(const SchemaObject& object) {

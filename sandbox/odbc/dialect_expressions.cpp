@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 
+#include "base/ansi.h"
 #include "base/text.h"
 #include "sandbox/odbc/translator.h"
 
@@ -25,10 +26,13 @@ Fragment LiteralFragment(const Cell& cell, const SqlType& type) {
   return {.sql = Literal(cell), .type = type, .constant = cell};
 }
 
+constexpr int LongestText(bool national) {
+  return national ? 4000 : 8000;
+}
+
 // A text kind of that many characters; MAX beyond what a sized one holds.
 SqlType TextType(int size, bool national) {
-  const int longest = national ? 4000 : 8000;
-  return {.kind = national ? SqlKind::kNVarChar : SqlKind::kVarChar, .size = size > longest ? 0 : size};
+  return {.kind = national ? SqlKind::kNVarChar : SqlKind::kVarChar, .size = size > LongestText(national) ? 0 : size};
 }
 
 int SizeAdded(const SqlType& a, const SqlType& b) {
@@ -89,6 +93,21 @@ std::string SignName(const std::string& sign) {
   return sign == "+" ? "add" : sign == "-" ? "subtract" : sign == "*" ? "multiply" : sign == "/" ? "divide" : "modulo";
 }
 
+// Two texts joined. Unless one is MAX, what is beyond the longest sized text is cut. Literals are joined here and now:
+// SQLite's expressions may be 1000 levels deep, and notes have more quotes.
+Fragment JoinedTexts(const Fragment& left, const Fragment& right) {
+  const bool national = left.type.is_national() || right.type.is_national();
+  const int size = SizeAdded(left.type, right.type);
+  const SqlType type = TextType(size, national);
+  Fragment whole =
+      left.constant && right.constant
+          ? LiteralFragment(std::get<std::string>(*left.constant) + std::get<std::string>(*right.constant), type)
+          : Compose("(" + left.sql + " || " + right.sql + ")", type, {&left, &right});
+  const int longest = LongestText(national);
+  if (size <= longest) return whole;
+  return Converted(std::move(whole), TextType(longest, national), Conversion::kConvert);
+}
+
 [[noreturn]] void RaiseIncompatible(const SqlType& left, const SqlType& right, const std::string& sign) {
   throw ServerError(message::kIncompatibleTypes, "The data types " + TypeName(left) + " and " + TypeName(right) +
                                                      " are incompatible in the " + SignName(sign) + " operator.");
@@ -135,13 +154,14 @@ const SchemaColumn* FindColumn(const std::vector<SchemaColumn>& columns, std::st
   return found == columns.end() ? nullptr : &*found;
 }
 
-Fragment Converted(Fragment value, const SqlType& to, Conversion conversion, std::optional<int> style) {
+Fragment Converted(Fragment value, const SqlType& to, Conversion conversion, std::optional<int> style,
+                   std::string_view place) {
   if (value.type.kind == SqlKind::kNone) {
     value.type = to;
     return value;
   }
   if (value.constant)
-    return LiteralFragment(ConvertCell(*value.constant, value.type, to, conversion, style.value_or(0)), to);
+    return LiteralFragment(ConvertCell(*value.constant, value.type, to, conversion, style.value_or(0), place), to);
   // Only a stored column is known to keep to its type; arithmetic may leave it.
   const bool may_leave_type = value.type.is_number() && value.column.empty() && conversion != Conversion::kCompare;
   if (!may_leave_type && !style && !NeedsConversion(value.type, to, conversion)) {
@@ -152,7 +172,8 @@ Fragment Converted(Fragment value, const SqlType& to, Conversion conversion, std
                     : conversion == Conversion::kCompare ? "compare"
                                                          : "convert";
   std::string sql = "ss_convert(" + value.sql + "," + QuoteText(TypeText(value.type)) + "," + QuoteText(TypeText(to)) +
-                    ",'" + how + "'" + (style ? "," + base::DecimalText(*style) : "") + ")";
+                    ",'" + how + "'" + (style ? "," + base::DecimalText(*style) : "") +
+                    (place.empty() ? "" : "," + QuoteText(place)) + ")";
   return Compose(std::move(sql), to, {&value});
 }
 
@@ -278,11 +299,7 @@ Fragment Translator::Arithmetic(const std::string& sign, Fragment left, Fragment
   const bool joins = sign == "+" && (left.type.is_text() || left.type.kind == SqlKind::kNone) &&
                      (right.type.is_text() || right.type.kind == SqlKind::kNone) &&
                      (left.type.is_text() || right.type.is_text());
-  if (joins) {
-    const bool national = left.type.is_national() || right.type.is_national();
-    return Compose("(" + left.sql + " || " + right.sql + ")", TextType(SizeAdded(left.type, right.type), national),
-                   {&left, &right});
-  }
+  if (joins) return JoinedTexts(left, right);
   if (left.type.is_text() && right.type.is_text()) RaiseInvalidOperand(left.type, SignName(sign));
   if (left.type.is_date() || right.type.is_date()) {
     Fragment& date = left.type.is_date() ? left : right;
@@ -548,6 +565,9 @@ Fragment Translator::FunctionCall(const Scope& scope, const std::string& name) {
   if (name == "CHAR" || name == "NCHAR") {
     takes(1, 1);
     const SqlType type = TextType(1, name == "NCHAR");
+    const auto* code = arguments[0].constant ? std::get_if<std::int64_t>(&*arguments[0].constant) : nullptr;
+    if (code && name == "CHAR" && *code >= 0 && *code <= 255)
+      return LiteralFragment(base::FromAnsi(std::string(1, static_cast<char>(*code))), type);
     return Compose((name == "CHAR" ? "ss_char(" : "char(") + arguments[0].sql + ")", type, {&arguments[0]});
   }
   if (name == "DB_NAME") {

@@ -88,7 +88,10 @@ class OdbcHandle {
 // A statement and how its driver writes text.
 class Statement {
  public:
-  Statement(SQLHANDLE connection, Encoding encoding) : handle_(connection), encoding_(encoding) {}
+  Statement(SQLHANDLE connection, Encoding encoding, int timeout = 0) : handle_(connection), encoding_(encoding) {
+    if (timeout > 0)
+      SQLSetStmtAttr(get(), SQL_ATTR_QUERY_TIMEOUT, Number(static_cast<std::uintptr_t>(timeout)), SQL_IS_UINTEGER);
+  }
 
   SQLHANDLE get() const { return handle_.get(); }
   void Check(SQLRETURN code) const { handle_.Check(code, encoding_); }
@@ -214,6 +217,7 @@ struct OdbcLink::Handles {
   OdbcHandle<SQL_HANDLE_ENV> environment;
   OdbcHandle<SQL_HANDLE_DBC> connection;
   Encoding encoding = Encoding::kUtf16;
+  int command_timeout = 0;
   bool connected = false;
 };
 
@@ -251,6 +255,10 @@ void OdbcLink::ConnectSqlite(const std::string& text) {
   handles_->connected = true;
 }
 
+void OdbcLink::SetCommandTimeout(int seconds) {
+  handles_->command_timeout = seconds;
+}
+
 std::string OdbcLink::DbmsName() {
   std::u16string name(128, u'\0');
   SQLSMALLINT bytes = 0;
@@ -269,7 +277,7 @@ void OdbcLink::SetCatalogue(const std::string& catalogue) {
 }
 
 ports::RowSet OdbcLink::Run(const std::string& sql, const std::vector<ResultColumn>* columns) {
-  Statement statement(handles_->connection.get(), handles_->encoding);
+  Statement statement(handles_->connection.get(), handles_->encoding, handles_->command_timeout);
   statement.Execute(sql);
   SQLSMALLINT count = statement.CountColumns();
   // The first of several statements need not be the one with a result.

@@ -38,6 +38,10 @@ class OdbcLink {
   // Connects to a SQLite file with an ODBC connection string.
   void ConnectSqlite(const std::string& text);
 
+  // The seconds that a statement may take from now on, where the driver knows such a limit: beyond it, the statement is
+  // an OdbcFailure of state HYT00. 0, as at first, is no limit.
+  void SetCommandTimeout(int seconds);
+
   std::string DbmsName();
   void SetCatalogue(const std::string& catalogue);
 

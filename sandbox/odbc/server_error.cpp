@@ -29,6 +29,7 @@ std::int32_t AutomationNumber(int message_number) {
     case message::kDuplicateKey:
       return kIntegrity;
     case message::kTruncated:
+    case message::kTruncatedBefore2019:
     case message::kSmallOverflow:
     case message::kOverflow:
     case message::kTextOverflow:

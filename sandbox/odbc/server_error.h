@@ -41,7 +41,9 @@ inline constexpr int kDeadlock = 1205;
 inline constexpr int kLockTimeout = 1222;
 inline constexpr int kDuplicateIndexKey = 2601;
 inline constexpr int kDuplicateKey = 2627;
+inline constexpr int kTruncated = 2628;
 inline constexpr int kObjectExists = 2714;
+inline constexpr int kNoProcedure = 2812;
 inline constexpr int kCannotDrop = 3701;
 inline constexpr int kCannotOpenCatalogue = 4060;
 inline constexpr int kNotGrouped = 8120;
@@ -49,13 +51,16 @@ inline constexpr int kConvertingError = 8114;
 inline constexpr int kOverflow = 8115;
 inline constexpr int kInvalidOperand = 8117;
 inline constexpr int kDivideByZero = 8134;
-inline constexpr int kTruncated = 8152;
+inline constexpr int kTruncatedBefore2019 = 8152;
 inline constexpr int kLoginFailed = 18456;
 }  // namespace message
 
 // What a client says when nobody answers where the server should be.
 inline constexpr const char* kNoServer =
     "[DBNETLIB][ConnectionOpen (Connect()).]SQL Server does not exist or access denied.";
+
+// And when a command has taken longer than CommandTimeout allows.
+inline constexpr const char* kCommandTooLong = "Query timeout expired";
 
 // A message of the server. what() is its text.
 class ServerError : public std::runtime_error {

@@ -22,7 +22,8 @@ class PassThroughSession final : public ServerSession {
     try {
       return link_->Run(sql);
     } catch (const OdbcFailure& failure) {
-      // 08…: the line died. HYT…: the wait for it did.
+      if (failure.state() == "HYT00") throw base::Error(AutomationNumber(message::kLockTimeout), kCommandTooLong);
+      // 08…: the line died. HYT01: the wait for it did.
       const bool line =
           failure.native() == 0 || failure.state().starts_with("08") || failure.state().starts_with("HYT");
       throw base::Error(line ? base::error_number::kDataAccess : AutomationNumber(failure.native()), failure.what());
@@ -72,6 +73,7 @@ std::unique_ptr<ServerSession> OpenLink(const LoginRequest& request) {
     throw base::Error(base::error_number::kDataAccess, kNoServer);
   }
   if (link->DbmsName().starts_with("SQLite")) return OpenSqliteSession(std::move(link), request);
+  link->SetCommandTimeout(request.command_timeout);
   if (!request.catalogue.empty()) {
     try {
       link->SetCatalogue(request.catalogue);

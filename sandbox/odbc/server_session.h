@@ -15,6 +15,8 @@ struct LoginRequest {
   std::string password;
   std::string catalogue;  // empty takes the user's own
   int timeout = 0;        // seconds; 0 waits as long as the driver does
+  // Seconds that a statement may take: the default of ADO's CommandTimeout, which nobody in the suite changes.
+  int command_timeout = 30;
 };
 
 // Every failure is a base::Error with the provider's number and text.

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "base/ansi.h"
 #include "base/text.h"
+#include "sandbox/odbc/code_page.h"
 #include "sandbox/odbc/server_error.h"
 
 namespace quenta::sandbox {
@@ -69,10 +69,18 @@ class Tokenizer {
     } while (depth > 0);
   }
 
+  // In a literal, a backslash before a line end continues the line, and both go: their length, or 0.
+  std::size_t Continuation() const {
+    const std::string_view rest = sql_.substr(at_);
+    return rest.starts_with("\\\n") ? 2 : rest.starts_with("\\\r\n") ? 3 : 0;
+  }
+
   // Text up to the closing sign; the sign doubled stands for itself.
   std::string Quoted(char close) {
     std::string text;
     for (++at_; at_ < sql_.size(); ++at_) {
+      while (close == '\'' && Continuation() > 0) at_ += Continuation();
+      if (at_ == sql_.size()) break;
       if (sql_[at_] == close) {
         if (At(at_ + 1) != close) {
           ++at_;
@@ -93,7 +101,7 @@ class Tokenizer {
 
   Token Next() {
     const char c = sql_[at_];
-    if (c == '\'') return {TokenKind::kText, base::FromAnsi(base::ToAnsi(Quoted('\'')))};
+    if (c == '\'') return {TokenKind::kText, Narrowed(Quoted('\''))};
     if ((c == 'N' || c == 'n') && At(at_ + 1) == '\'') {
       ++at_;
       return {TokenKind::kText, Quoted('\''), true};

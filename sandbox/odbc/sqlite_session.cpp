@@ -43,8 +43,10 @@ KeyColumns ParseKeyColumns(std::string_view text) {
 
 class SqliteSession final : public ServerSession {
  public:
-  SqliteSession(std::unique_ptr<OdbcLink> link, std::string catalogue)
-      : link_(std::move(link)), catalogue_(std::move(catalogue)) {
+  SqliteSession(std::unique_ptr<OdbcLink> link, std::string catalogue, int command_timeout)
+      : link_(std::move(link)),
+        catalogue_(std::move(catalogue)),
+        command_timeout_(std::chrono::seconds(command_timeout)) {
     link_->RunText("PRAGMA foreign_keys = ON");
   }
 
@@ -155,9 +157,8 @@ class SqliteSession final : public ServerSession {
   // Waits for locks here: the driver's own wait cannot be changed once it is connected. What meets a lock has done
   // nothing yet, so it can be sent again.
   ports::RowSet RunOne(const std::string& statement, const Translation& translation) {
-    constexpr std::chrono::seconds kLongestCommand{30};  // ADO's CommandTimeout
     constexpr std::chrono::milliseconds kPause{5};
-    const auto limit = lock_timeout_ < 0 ? kLongestCommand : std::chrono::milliseconds(lock_timeout_);
+    const auto limit = lock_timeout_ < 0 ? command_timeout_ : std::chrono::milliseconds(lock_timeout_);
     const auto end = std::chrono::steady_clock::now() + limit;
     for (;;) {
       try {
@@ -222,8 +223,7 @@ class SqliteSession final : public ServerSession {
     };
     if (text.starts_with("database is locked") || text.starts_with("database table is locked") ||
         text.starts_with("database schema is locked"))
-      return {message::kLockTimeout,
-              lock_timeout_ < 0 ? "Query timeout expired" : "Lock request time out period exceeded."};
+      return {message::kLockTimeout, lock_timeout_ < 0 ? kCommandTooLong : "Lock request time out period exceeded."};
     if (const auto keys = after("UNIQUE constraint failed: ")) return DuplicateKey(*keys);
     if (const auto column = after("NOT NULL constraint failed: ")) {
       const KeyColumns key = ParseKeyColumns(*column);
@@ -287,6 +287,7 @@ class SqliteSession final : public ServerSession {
 
   std::unique_ptr<OdbcLink> link_;
   std::string catalogue_;
+  std::chrono::milliseconds command_timeout_;
   std::optional<Schema> schema_;
   bool in_transaction_ = false;     // as the client sees it
   int server_count_ = 0;            // @@TRANCOUNT
@@ -325,7 +326,7 @@ std::unique_ptr<ServerSession> OpenSqliteSession(std::unique_ptr<OdbcLink> link,
   if (!request.catalogue.empty() && !base::EqualIgnoreCase(request.catalogue, catalogue))
     throw base::Error(AutomationNumber(message::kCannotOpenCatalogue),
                       "Cannot open database \"" + request.catalogue + "\" requested by the login. The login failed.");
-  return std::make_unique<SqliteSession>(std::move(link), catalogue);
+  return std::make_unique<SqliteSession>(std::move(link), catalogue, request.command_timeout);
 }
 
 }  // namespace quenta::sandbox

@@ -157,8 +157,9 @@ class Translator {
   bool has_identity_ = false;
 };
 
-// The fragment converted to a type; literals are converted here and now, and fail here.
-Fragment Converted(Fragment value, const SqlType& to, Conversion conversion, std::optional<int> style = std::nullopt);
+// The fragment converted to a type; literals are converted here and now, and fail here. `place` is ConvertCell's.
+Fragment Converted(Fragment value, const SqlType& to, Conversion conversion, std::optional<int> style = std::nullopt,
+                   std::string_view place = {});
 
 const SchemaColumn* FindColumn(const std::vector<SchemaColumn>& columns, std::string_view name);
 

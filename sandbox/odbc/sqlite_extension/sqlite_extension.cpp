@@ -91,7 +91,7 @@ TypePair TypesOf(sqlite3_context* context, Arguments arguments) {
   return copy;
 }
 
-// ss_convert(value, from, to, how [, style])
+// ss_convert(value, from, to, how [, style, or the place that is assigned to])
 void ConvertFunction(sqlite3_context* context, int count, Arguments arguments) {
   if (IsNull(arguments[0])) return sqlite3_result_null(context);
   const TypePair types = TypesOf(context, arguments);
@@ -99,8 +99,10 @@ void ConvertFunction(sqlite3_context* context, int count, Arguments arguments) {
   const Conversion conversion = how == "assign"    ? Conversion::kAssign
                                 : how == "compare" ? Conversion::kCompare
                                                    : Conversion::kConvert;
-  const int style = count > 4 ? sqlite3_value_int(arguments[4]) : 0;
-  SetResult(context, ConvertCell(CellOf(arguments[0]), types.from, types.to, conversion, style));
+  const bool assigns = conversion == Conversion::kAssign;
+  const int style = count > 4 && !assigns ? sqlite3_value_int(arguments[4]) : 0;
+  const std::string_view place = count > 4 && assigns ? TextOf(arguments[4]) : std::string_view();
+  SetResult(context, ConvertCell(CellOf(arguments[0]), types.from, types.to, conversion, style, place));
 }
 
 // ss_like(pattern, text [, escape])

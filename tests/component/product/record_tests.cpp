@@ -123,7 +123,7 @@ TEST_F(RecordTest, WhatIsTypedComesBackAsItIs) {
     const char* kept;
   } cases[] = {
       {"FXNome", "Café «Ñandú» 100% [a_b] \xF0\x9F\x8D\xB7 'x' \"y\"", "nome",
-       "Café «Ñandú» 100% [a_b] ? 'x' \"y\""},  // the statement's text has the server's code page
+       "Café «Ñandú» 100% [a_b] ?? 'x' \"y\""},  // the statement's text has the server's code page
       {"FXMarca", "%_[]{}\\;--", "marca", nullptr},
       {"FXCor", "42", "cor", nullptr},
       {"FXTamanho", "  XL  ", "tamanho", nullptr},

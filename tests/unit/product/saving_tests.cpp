@@ -144,6 +144,10 @@ TEST_F(SavingTest, WhatTheServerRefusesIsReportedAndNothingIsSaved) {
   EXPECT_FALSE(form->Gravar());
   ASSERT_EQ(reporting.reports.size(), 1U);
   EXPECT_EQ(reporting.reports[0].procedure, "Gravar");
+  EXPECT_EQ(reporting.reports[0].description,
+            "String or binary data would be truncated in table 'Amostra.dbo.tbProdutos', column 'nome'. Truncated "
+            "value: '" +
+                std::string(100, 'x') + "'.");
   EXPECT_TRUE(form->Altered());
   EXPECT_FALSE(session::InTransaction(session));
 }
