@@ -1,5 +1,7 @@
 #include "base/sql_literal.h"
 
+#include <cstddef>
+
 #include "base/date.h"
 #include "base/format.h"
 #include "base/text.h"
@@ -11,7 +13,12 @@ std::string SqlSafeText(std::string_view text) {
 }
 
 std::string SqlTextLiteral(std::string_view text) {
-  return "'" + SqlSafeText(text) + "'";
+  constexpr std::size_t kLongestJoined = 8000;
+  std::string pieces = SqlSafeText(text);
+  for (const std::string end : {"\n", "\r\n"}) pieces = ReplaceAll(pieces, "\\" + end, "\\' + '" + end);
+  const bool several = pieces.size() != text.size();
+  const char* const start = several && Utf16Length(text) > kLongestJoined ? "CONVERT(VARCHAR(MAX), '') + '" : "'";
+  return start + pieces + "'";
 }
 
 std::string SqlDateLiteral(Date date, bool with_time) {

@@ -76,8 +76,8 @@ void MainProduct::CreateDependant(const Combination& combination) const {
 }
 
 void MainProduct::InsertProduct(std::int32_t produto_id, const Combination& combination) const {
-  session_.Execute(InsertFor(combination) + base::DecimalText(produto_id) + ",'" +
-                   base::SqlSafeText(CodeOf(combination)) + "'," + before_attributes_ + TextLiteral(combination.cor) +
+  session_.Execute(InsertFor(combination) + base::DecimalText(produto_id) + "," +
+                   base::SqlTextLiteral(CodeOf(combination)) + "," + before_attributes_ + TextLiteral(combination.cor) +
                    ", " + TextLiteral(combination.tamanho) + after_attributes_);
 }
 

@@ -91,8 +91,8 @@ std::string FillReport(std::string_view text, const std::vector<Field>& fields, 
 std::string UserName(session::Session& session) {
   const ports::RowSet rows = session.Query(
       "SELECT tbContactos.nome_union FROM tbUsers LEFT JOIN tbContactos ON tbUsers.contacto_id = "
-      "tbContactos.contacto_id WHERE tbUsers.descrit = '" +
-      base::SqlSafeText(session.state().session_user) + "'");
+      "tbContactos.contacto_id WHERE tbUsers.descrit = " +
+      base::SqlTextLiteral(session.state().session_user));
   if (rows.empty() || rows.front()["nome_union"].is_null()) return {};
   return base::ToText(rows.front()["nome_union"], session.locale());
 }

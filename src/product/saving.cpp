@@ -91,7 +91,7 @@ bool frmMain::FieldsAreValid() {
 bool frmMain::CodeIsTaken() {
   const ports::RowSet others = session_.Query(
       "SELECT produto_id FROM tbProdutos WHERE (is_deleted = 0 OR is_deleted is null) AND produto_id <> " +
-      base::DecimalText(produto_id_) + " AND codigo = '" + base::SqlSafeText(FXCodigo.text()) + "'");
+      base::DecimalText(produto_id_) + " AND codigo = " + base::SqlTextLiteral(FXCodigo.text()));
   if (others.empty()) return false;
   Refuse("O código atribuido já existe, tem de indicar um código de produto diferente.", FXCodigo);
   return true;

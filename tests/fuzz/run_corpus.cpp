@@ -27,7 +27,7 @@ class Random {
 };
 
 void Mutate(std::vector<std::uint8_t>& bytes, Random& random) {
-  constexpr std::uint8_t kTelling[] = {0, '\'', '-', '.', ',', '%', '(', ';', 0x80, 0xC3, 0xE2, 0xFF};
+  constexpr std::uint8_t kTelling[] = {0, '\'', '\\', '\n', '-', '.', ',', '%', '(', ';', 0x80, 0xC3, 0xE2, 0xFF};
   const std::size_t at = random.Below(bytes.size() + 1);
   switch (random.Below(3)) {
     case 0:

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "base/ansi.h"
 #include "base/convert.h"
@@ -22,9 +23,34 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-// The text that a server reads from a literal: quotes and the appended CHAR(39) undone.
-std::string ReadBack(const std::string& literal) {
-  return base::ReplaceAll(std::string_view(literal).substr(1, literal.size() - 2), "' + CHAR(39) + '", "'");
+bool Take(std::string_view& text, std::string_view start) {
+  if (!text.starts_with(start)) return false;
+  text.remove_prefix(start.size());
+  return true;
+}
+
+// The text that a server reads from a literal of ours: joined pieces, in which lines may be continued.
+std::string ReadBack(std::string_view literal) {
+  const bool cut = !Take(literal, "CONVERT(VARCHAR(MAX), '') + ");
+  std::string text;
+  int pieces = 0;
+  do {
+    ++pieces;
+    if (Take(literal, "CHAR(39)")) {
+      text += "'";
+      continue;
+    }
+    Require(Take(literal, "'"));
+    while (!Take(literal, "'")) {
+      if (Take(literal, "\\\n") || Take(literal, "\\\r\n")) continue;
+      Require(!literal.empty());
+      text += literal.front();
+      literal.remove_prefix(1);
+    }
+  } while (Take(literal, " + "));
+  Require(literal.empty());
+  Require(pieces == 1 || !cut || base::Utf16Length(text) <= 8000);
+  return text;
 }
 
 void CheckText(const std::string& text) {
@@ -36,9 +62,8 @@ void CheckText(const std::string& text) {
   Require(base::Utf16Length(text) == units.size());
   Require(base::EqualIgnoreCase(text, base::ToUpper(text)) || base::FromUtf16(units) != text);
   Require(base::ToAnsi(base::FromAnsi(text)) == text);
-  const std::string literal = base::SqlTextLiteral(text);
-  Require(literal.front() == '\'' && literal.back() == '\'');
-  if (text.find("' + CHAR(39) + '") == std::string::npos) Require(ReadBack(literal) == text);
+  for (const std::string& one : {text, "'" + std::string(8000, 'x') + text})
+    Require(ReadBack(base::SqlTextLiteral(one)) == one);
 }
 
 void CheckNumber(const std::string& text, const base::Locale& locale) {

@@ -1,6 +1,9 @@
 #include "data/sql_field.h"
 
+#include <utility>
+
 #include "base/date.h"
+#include "base/text.h"
 #include "data/shared_queries.h"
 #include "gtest/gtest.h"
 #include "support/fake_ports.h"
@@ -33,6 +36,8 @@ TEST_F(SQLFieldTest, BuildsTheLiteralOfEachKind) {
       {SQLKind::kText, Value::Null(), "null"},
       {SQLKind::kText, " Vinha d'Alho ", "'Vinha d' + CHAR(39) + 'Alho'"},
       {SQLKind::kText, 42, "'42'"},
+      // No line of the text may be taken for a continued one.
+      {SQLKind::kText, "C:\\\r\nD:\\\\\nE:\\\rF:\\", "'C:\\' + '\r\nD:\\\\' + '\nE:\\\rF:\\'"},
       {SQLKind::kTextNotNull, "  ", "''"},
       {SQLKind::kTextNotNull, Value::Null(), "''"},
       {SQLKind::kTextNotNull, "'", "'' + CHAR(39) + ''"},
@@ -75,10 +80,23 @@ TEST_F(SQLFieldTest, AnErrorIsReportedAndGivesNothing) {
   EXPECT_EQ(reporting.reports[0].description, "Error Number = 6 | Description = Overflow");
 }
 
+// The server cuts what is joined from short pieces at 8000 bytes of its code page.
+TEST_F(SQLFieldTest, OnlyALongTextOfSeveralPiecesIsJoinedAsAMaximum) {
+  const auto text = [](std::size_t letters) { return base::ReplaceAll(std::string(letters, 'c'), "c", "ç"); };
+  for (const auto& [piece, joint] : {std::pair{"'", "' + CHAR(39) + '"}, {"\\\n", "\\' + '\n"}}) {
+    const std::size_t fits = 8000 - std::string(piece).size();
+    EXPECT_EQ(data::SQLField(session, piece + text(fits), SQLKind::kText), "'" + (joint + text(fits)) + "'");
+    EXPECT_EQ(data::SQLField(session, piece + text(fits + 1), SQLKind::kTextNotNull),
+              "CONVERT(VARCHAR(MAX), '') + '" + (joint + text(fits + 1)) + "'");
+  }
+  EXPECT_EQ(data::SQLField(session, text(20000), SQLKind::kText), "'" + text(20000) + "'");
+}
+
 TEST_F(SQLFieldTest, TrtfChangesItsArgumentToo) {
-  std::string text = "a''b";
-  EXPECT_EQ(data::Trtf(text), "a' + CHAR(39) + '' + CHAR(39) + 'b");
-  EXPECT_EQ(text, "a' + CHAR(39) + '' + CHAR(39) + 'b");
+  const std::string piece = "a''b\\\n" + std::string(9000, 'c');
+  std::string text = piece;
+  EXPECT_EQ(data::Trtf(text), "a' + CHAR(39) + '' + CHAR(39) + 'b" + piece.substr(4));
+  EXPECT_EQ(text, "a' + CHAR(39) + '' + CHAR(39) + 'b" + piece.substr(4));
 }
 
 TEST_F(SQLFieldTest, ListFieldShowsAColumnByItsKind) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "data/check_permissions.h"
+#include "generator/dependant.h"
 #include "support/sample_component.h"
 
 namespace quenta::tests {
@@ -94,6 +95,32 @@ TEST_F(DuplicatingTest, TheStatementsAreTheSuitesToTheBlank) {
   EXPECT_EQ(Of(900, "main_id"), "(null)") << "the copy of a dependant is none";
   EXPECT_EQ(Of(900, "is_deleted"), "False");
   EXPECT_EQ(SqlText("SELECT iva_descrit FROM tbProdutos_Precos WHERE produto_id = 900"), "d'outra lei");
+}
+
+// Each way on which notes travel back into a statement; the server of the test cuts and joins lines as the real one.
+TEST_F(DuplicatingTest, NotesSurviveSavingDuplicatingAndGeneratingByteForByte) {
+  std::string many_quotes = "'";
+  while (many_quotes.size() < 20000) many_quotes += "garrafa d'água, nº " + std::to_string(many_quotes.size()) + "\r\n";
+  for (const std::string& notes :
+       {many_quotes + ".", std::string(20000, 'x'), std::string("C:\\fotos\\\r\nD:\\\nE:\\\\\r\n\\\n\\\n'\\'\r\nfim\\"),
+        "\\\r\n" + std::string(8000, 'x')}) {
+    const auto form = OpenForm(IdOfCode("10300"));
+    const std::int32_t saved = form->ProdutoId();
+    form->FXObs.Typed(notes);
+    ASSERT_TRUE(form->Gravar());
+    EXPECT_TRUE(Of(saved, "obs") == notes) << "saved: " << notes.substr(0, 20);
+    const generator::Attribute cor{"Verde", "VD" + std::to_string(notes.size())};
+    const ports::RowSet rows = Sql("SELECT * FROM tbProdutos WHERE produto_id = " + std::to_string(saved));
+    const generator::MainProduct main(session, rows.front());
+    main.CreateDependant({.cor = &cor});
+    EXPECT_TRUE(Of(IdOfCode(main.CodeOf({.cor = &cor})), "obs") == notes) << "generated: " << notes.substr(0, 20);
+    form->Duplicar();
+    ASSERT_NE(form->ProdutoId(), saved);
+    EXPECT_TRUE(Of(form->ProdutoId(), "obs") == notes) << "duplicated: " << notes.substr(0, 20);
+    ASSERT_TRUE(form->Gravar());
+    EXPECT_TRUE(Of(form->ProdutoId(), "obs") == notes) << "read and saved again: " << notes.substr(0, 20);
+  }
+  EXPECT_TRUE(reporting.reports.empty());
 }
 
 TEST_F(DuplicatingTest, TheFormShowsTheCopyAsANewProductThatCanBeDiscardedOrKept) {
