@@ -370,7 +370,8 @@ TEST(SandboxScript, AScriptUsesItAsAdo) {
   SetEnvironmentVariableW(L"QUENTA_SCRIPT_CONNECTION", platform::ToWide(TestedServer().ConnectionString()).c_str());
   // cscript takes a leading slash for an option.
   const std::string path = std::filesystem::absolute(QUENTA_SCRIPT).make_preferred().string();
-  const std::string command = "cscript.exe //nologo " + path + " QUENTA_SCRIPT_CONNECTION 2>&1";
+  // The outer quotes are for cmd, which drops the first and the last of a line that holds more of them.
+  const std::string command = "\"cscript.exe //nologo \"" + path + "\" QUENTA_SCRIPT_CONNECTION 2>&1\"";
   const std::unique_ptr<FILE, int (*)(FILE*)> script(_popen(command.c_str(), "r"), &_pclose);
   ASSERT_NE(script, nullptr);
   std::string output;
