@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/convert.h"
 #include "base/error.h"
 #include "platform/ado/late_bound.h"
 #include "platform/automation/dispatch.h"
@@ -48,11 +49,19 @@ enum class CollectionMember { kCount, kItem };
 enum class FieldMember { kName };
 enum class ErrorMember { kNumber, kDescription };
 
+// A number of any integer type: which one ADO gives depends on the member and on the width of the process. Throws
+// base::Error 6 when 32 bits do not hold it, 13 when it is no such number.
 std::int32_t LongIn(const Variant& variant) {
   const base::Value value = ToValue(variant.Get());
-  if (value.kind() == base::ValueKind::kBoolean) return value.get<bool>() ? -1 : 0;
-  if (value.kind() != base::ValueKind::kLong) base::RaiseTypeMismatch();
-  return value.get<std::int32_t>();
+  switch (value.kind()) {
+    case base::ValueKind::kBoolean:
+    case base::ValueKind::kLong:
+    case base::ValueKind::kInt64:
+    case base::ValueKind::kDecimal:  // an unsigned number beyond 63 bits
+      return base::ToLong(value, {});
+    default:
+      base::RaiseTypeMismatch();
+  }
 }
 
 std::string TextIn(const Variant& variant) {
