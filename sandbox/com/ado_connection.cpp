@@ -5,7 +5,6 @@
 
 #include "base/text.h"
 #include "sandbox/com/ado_recordset.h"
-#include "sandbox/odbc/connection_string.h"
 #include "sandbox/odbc/odbc_database.h"
 
 namespace quenta::sandbox::com {
@@ -13,15 +12,11 @@ namespace {
 
 // _Connection of ADO 2.5.
 constexpr GUID kConnectionInterface = {0x00000550, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
-// Answered by our own connections only, with the C++ object; no other apartment ever gets it.
-constexpr GUID kOwnConnection = {0x1f0d56b3, 0x7a5e, 0x4b53, {0x9c, 0x2e, 0x64, 0x31, 0x8a, 0x0c, 0xd7, 0x12}};
 
 constexpr std::int32_t kAsyncConnect = 16;
 constexpr std::int32_t kCommandTable = 2;
 constexpr std::int32_t kCommandStoredProcedure = 4;
 constexpr std::int32_t kExecuteNoRecords = 128;
-constexpr std::int32_t kForwardOnly = 0;
-constexpr std::int32_t kReadOnly = 1;
 
 std::string Quoted(const std::string& value) {
   return '"' + base::ReplaceAll(value, "\"", "\"\"") + '"';
@@ -51,43 +46,26 @@ ConnectionObject::ConnectionObject()
 ConnectionObject::~ConnectionObject() = default;
 
 std::span<const Member<ConnectionObject>> ConnectionObject::Members() {
-  // The identifiers are ADO's published ones.
+  // As ADO's type library describes them.
   using Self = ConnectionObject;
   static constexpr Member<Self> kMembers[] = {
-      {L"ConnectionString", DISPID_VALUE, &Self::GetConnectionString, &Self::PutConnectionString},
-      {L"CommandTimeout", 2, &Self::GetCommandTimeout, &Self::PutCommandTimeout},
-      {L"ConnectionTimeout", 3, &Self::GetConnectionTimeout, &Self::PutConnectionTimeout},
-      {L"Version", 4, &Self::GetVersion},
-      {L"Close", 5, &Self::Close},
-      {L"Execute", 6, &Self::Execute},
-      {L"BeginTrans", 7, &Self::BeginTrans},
-      {L"CommitTrans", 8, &Self::CommitTrans},
-      {L"RollbackTrans", 9, &Self::RollbackTrans},
-      {L"Open", 10, &Self::Open},
-      {L"Errors", 11, &Self::GetErrors},
-      {L"DefaultDatabase", 12, &Self::GetDefaultDatabase},
-      {L"IsolationLevel", 13, &Self::GetIsolationLevel, &Self::PutIsolationLevel},
-      {L"CursorLocation", 15, &Self::GetCursorLocation, &Self::PutCursorLocation},
-      {L"Mode", 16, &Self::GetMode, &Self::PutMode},
-      {L"Provider", 17, &Self::GetProvider},
-      {L"State", 18, &Self::GetState},
-      {L"Cancel", 21, &Self::Cancel},
+      {L"ConnectionString", DISPID_VALUE, kProperty, {}, &Self::GetConnectionString, &Self::PutConnectionString},
+      {L"ConnectionTimeout", 3, kProperty, {}, &Self::GetConnectionTimeout, &Self::PutConnectionTimeout},
+      {L"Close", 5, kMethod, {}, &Self::Close},
+      {L"Execute", 6, kMethod, {3, 1}, &Self::Execute},
+      {L"BeginTrans", 7, kMethod, {}, &Self::BeginTrans},
+      {L"CommitTrans", 8, kMethod, {}, &Self::CommitTrans},
+      {L"RollbackTrans", 9, kMethod, {}, &Self::RollbackTrans},
+      {L"Open", 10, kMethod, {4, 0}, &Self::Open},
+      {L"Errors", 11, kProperty, {}, &Self::GetErrors},
+      {L"CursorLocation", 15, kProperty, {}, &Self::GetCursorLocation, &Self::PutCursorLocation},
+      {L"State", 18, kProperty, {}, &Self::GetState},
+      {L"Cancel", 21, kMethod, {}, &Self::Cancel},
   };
   return kMembers;
 }
 
-ComPtr<ConnectionObject> ConnectionObject::From(IDispatch& object) noexcept {
-  void* connection = nullptr;
-  if (FAILED(object.QueryInterface(kOwnConnection, &connection))) return {};
-  return ComPtr<ConnectionObject>::Adopt(static_cast<ConnectionObject*>(connection));
-}
-
 HRESULT STDMETHODCALLTYPE ConnectionObject::QueryInterface(REFIID iid, void** object) noexcept {
-  if (object != nullptr && IsEqualIID(iid, kOwnConnection)) {
-    *object = this;
-    AddRef();
-    return S_OK;
-  }
   return Automation::QueryInterface(IsEqualIID(iid, kConnectionInterface) ? IID_IDispatch : iid, object);
 }
 
@@ -125,23 +103,7 @@ bool ConnectionObject::HasPendingResult() const {
 }
 
 void ConnectionObject::CloseRecordsets() {
-  for (const auto open = recordsets_; RecordsetObject * recordset : open) recordset->Abandon();
-}
-
-ports::RowSet ConnectionObject::Run(const std::string& sql) {
-  if (Settle() != ports::ConnectionState::kOpen) RaiseInvalidConnection();
-  // Outside a transaction the provider silently opens another connection, which behaves as this one.
-  if (in_transaction_ && HasPendingResult()) {
-    FailAtProvider("Cannot create new connection because in manual or distributed transaction mode.");
-  }
-  return AtProvider([&] { return connection_->Query(sql); });
-}
-
-void ConnectionObject::OpenWith(const std::string& connection_string) {
-  RequireClosed();
-  connection_->SetConnectionString(connection_string);
-  StayLoaded();
-  AtProvider([&] { connection_->Open(); });
+  for (const auto open = recordsets_; RecordsetObject * recordset : open) recordset->Reset();
 }
 
 Variant ConnectionObject::Open(const Arguments& arguments) {
@@ -186,12 +148,15 @@ Variant ConnectionObject::Execute(const Arguments& arguments) {
   std::string sql = arguments.Text(0);
   if ((options & kCommandTable) != 0) sql = "SELECT * FROM " + sql;
 
-  ports::RowSet rows = Run(sql);
+  // Outside a transaction the provider silently opens another connection, which behaves as this one.
+  if (in_transaction_ && HasPendingResult()) {
+    FailAtProvider("Cannot create new connection because in manual or distributed transaction mode.");
+  }
+  ports::RowSet rows = AtProvider([&] { return connection_->Query(sql); });
   arguments.StoreLong(1, -1);  // what ADO answers for a result; the port underneath does not count
   if ((options & kExecuteNoRecords) != 0) return Variant(static_cast<IDispatch*>(nullptr));
   const auto recordset = ComPtr<RecordsetObject>::Adopt(new RecordsetObject);
-  recordset->Take(ComPtr<ConnectionObject>(this), sql, std::move(rows),
-                  {.location = cursor_location_, .type = kForwardOnly, .lock = kReadOnly});
+  recordset->Take(ComPtr<ConnectionObject>(this), std::move(rows), cursor_location_);
   return ObjectResult(recordset);
 }
 
@@ -224,12 +189,6 @@ void ConnectionObject::PutConnectionString(const Arguments& arguments) {
   RequireClosed();
   connection_->SetConnectionString(arguments.Text(0));
 }
-Variant ConnectionObject::GetCommandTimeout(const Arguments&) {
-  return Variant(command_timeout_);
-}
-void ConnectionObject::PutCommandTimeout(const Arguments& arguments) {
-  command_timeout_ = arguments.Long(0, 30);
-}
 Variant ConnectionObject::GetConnectionTimeout(const Arguments&) {
   return Variant(std::int32_t{connection_->ConnectionTimeout()});
 }
@@ -239,42 +198,17 @@ void ConnectionObject::PutConnectionTimeout(const Arguments& arguments) {
   if (seconds < 0) RaiseInvalidArgument();
   connection_->SetConnectionTimeout(seconds);
 }
-Variant ConnectionObject::GetVersion(const Arguments&) {
-  return Variant(std::string_view("2.5"));
-}
-Variant ConnectionObject::GetErrors(const Arguments& arguments) {
+Variant ConnectionObject::GetErrors(const Arguments&) {
   Settle();
-  // Errors(0) is the default member of the collection with the argument of the property.
-  return arguments.count() > 0 ? errors_->Item(arguments) : ObjectResult(errors_);
-}
-Variant ConnectionObject::GetDefaultDatabase(const Arguments&) {
-  RequireOpen();
-  return Variant(sandbox::ConnectionString(connection_->ConnectionString()).Get("Initial Catalog"));
-}
-Variant ConnectionObject::GetIsolationLevel(const Arguments&) {
-  return Variant(isolation_level_);
-}
-void ConnectionObject::PutIsolationLevel(const Arguments& arguments) {
-  isolation_level_ = arguments.Long(0, 4096);
+  return ObjectResult(errors_);
 }
 Variant ConnectionObject::GetCursorLocation(const Arguments&) {
   return Variant(cursor_location_);
 }
 void ConnectionObject::PutCursorLocation(const Arguments& arguments) {
   const std::int32_t location = arguments.Long(0, 0);
-  if (location != cursor::kServer && location != cursor::kClient) RaiseInvalidArgument();
+  if (location != kServerCursor && location != kClientCursor) RaiseInvalidArgument();
   cursor_location_ = location;
-}
-Variant ConnectionObject::GetMode(const Arguments&) {
-  return Variant(mode_);
-}
-void ConnectionObject::PutMode(const Arguments& arguments) {
-  RequireClosed();
-  mode_ = arguments.Long(0, 0);
-}
-Variant ConnectionObject::GetProvider(const Arguments&) {
-  const std::string provider = sandbox::ConnectionString(connection_->ConnectionString()).Get("Provider");
-  return Variant(provider.empty() ? std::string("MSDASQL") : provider);
 }
 Variant ConnectionObject::GetState(const Arguments&) {
   return Variant(static_cast<std::int32_t>(Settle()));

@@ -19,16 +19,10 @@ class ConnectionObject final : public Automation<ConnectionObject> {
   ~ConnectionObject() override;
 
   static std::span<const Member<ConnectionObject>> Members();
-  // The connection behind an automation object of this thread; null for any other object.
-  static ComPtr<ConnectionObject> From(IDispatch& object) noexcept;
 
   // _Connection is answered with IDispatch: callers of its function table are not served.
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override;
 
-  // What Recordset uses of its connection. Throws base::Error: the provider's, or 3709 when it is not open.
-  ports::RowSet Run(const std::string& sql);
-  std::int32_t cursor_location() const { return cursor_location_; }
-  void OpenWith(const std::string& connection_string);
   // Open recordsets, which close with their connection. A recordset holds its connection, never the other way round.
   void Attach(RecordsetObject& recordset) { recordsets_.push_back(&recordset); }
   void Detach(RecordsetObject& recordset) { std::erase(recordsets_, &recordset); }
@@ -39,20 +33,11 @@ class ConnectionObject final : public Automation<ConnectionObject> {
  private:
   Variant GetConnectionString(const Arguments&);
   void PutConnectionString(const Arguments& arguments);
-  Variant GetCommandTimeout(const Arguments&);
-  void PutCommandTimeout(const Arguments& arguments);
   Variant GetConnectionTimeout(const Arguments&);
   void PutConnectionTimeout(const Arguments& arguments);
-  Variant GetVersion(const Arguments&);
-  Variant GetErrors(const Arguments& arguments);
-  Variant GetDefaultDatabase(const Arguments&);
-  Variant GetIsolationLevel(const Arguments&);
-  void PutIsolationLevel(const Arguments& arguments);
+  Variant GetErrors(const Arguments&);
   Variant GetCursorLocation(const Arguments&);
   void PutCursorLocation(const Arguments& arguments);
-  Variant GetMode(const Arguments&);
-  void PutMode(const Arguments& arguments);
-  Variant GetProvider(const Arguments&);
   Variant GetState(const Arguments&);
 
   Variant Open(const Arguments& arguments);
@@ -81,9 +66,6 @@ class ConnectionObject final : public Automation<ConnectionObject> {
   bool opening_ = false;              // an open in the background whose end nobody has seen yet
   bool in_transaction_ = false;       // between BeginTrans and its end, whatever the server made of it
   std::int32_t cursor_location_ = 2;  // adUseServer
-  std::int32_t command_timeout_ = 30;
-  std::int32_t isolation_level_ = 4096;  // adXactReadCommitted
-  std::int32_t mode_ = 0;                // adModeUnknown
 };
 
 }  // namespace quenta::sandbox::com

@@ -22,14 +22,13 @@ inline HRESULT ResultOf(std::int32_t number) {
 }
 
 // Each throws base::Error with ADO's number and text.
-[[noreturn]] void RaiseInvalidArgument();    // 3001
-[[noreturn]] void RaiseNoCurrentRecord();    // 3021
-[[noreturn]] void RaiseNotSupported();       // 3251
-[[noreturn]] void RaiseItemNotFound();       // 3265
-[[noreturn]] void RaiseObjectClosed();       // 3704
-[[noreturn]] void RaiseObjectOpen();         // 3705
-[[noreturn]] void RaiseInvalidConnection();  // 3709
-[[noreturn]] void RaiseStillConnecting();    // 3713
+[[noreturn]] void RaiseInvalidArgument();  // 3001
+[[noreturn]] void RaiseNoCurrentRecord();  // 3021
+[[noreturn]] void RaiseNotSupported();     // 3251
+[[noreturn]] void RaiseItemNotFound();     // 3265
+[[noreturn]] void RaiseObjectClosed();     // 3704
+[[noreturn]] void RaiseObjectOpen();       // 3705
+[[noreturn]] void RaiseStillConnecting();  // 3713
 
 // The position that a name or a number gives in a collection; 3265 when there is none.
 template <typename FindByName>
@@ -52,16 +51,13 @@ class ErrorList final : public Automation<ErrorList> {
   // Replaces what is held, if it is the provider's.
   void Record(const base::Error& error);
 
-  // An element by its position; errors have no names.
-  Variant Item(const Arguments& arguments);
-
  protected:
   std::wstring_view Source() const noexcept override { return L"ADODB.Errors"; }
 
  private:
+  // An element by its position; errors have no names.
+  Variant Item(const Arguments& arguments);
   Variant Count(const Arguments&);
-  Variant Enumerate(const Arguments&);
-  Variant Clear(const Arguments&);
 
   std::optional<base::Error> error_;
 };

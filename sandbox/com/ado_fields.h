@@ -6,7 +6,5 @@
 namespace quenta::sandbox::com {
 
 ComPtr<IDispatch> MakeFields(const ComPtr<RecordsetObject>& recordset);
-// The field at a position that exists.
-ComPtr<IDispatch> MakeField(const ComPtr<RecordsetObject>& recordset, std::size_t column);
 
 }  // namespace quenta::sandbox::com

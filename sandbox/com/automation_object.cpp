@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <new>
 #include <utility>
-#include <vector>
 
 #include "base/error.h"
 #include "platform/automation/bstr.h"
@@ -38,50 +37,6 @@ HRESULT Raise(const base::Error& error, std::wstring_view source, EXCEPINFO* exc
   }
   return DISP_E_EXCEPTION;
 }
-
-class Enumerator final : public platform::ComObject<IEnumVARIANT> {
- public:
-  explicit Enumerator(std::vector<Variant> elements) : elements_(std::move(elements)) {}
-
-  HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* out, ULONG* fetched) noexcept override {
-    if (out == nullptr || (fetched == nullptr && count > 1)) return E_POINTER;
-    ULONG given = 0;
-    for (; given < count && position_ < elements_.size(); ++given) {
-      VariantInit(&out[given]);
-      const HRESULT result = VariantCopy(&out[given], &elements_[position_].Get());
-      if (FAILED(result)) {
-        while (given > 0) VariantClear(&out[--given]);
-        if (fetched != nullptr) *fetched = 0;
-        return result;
-      }
-      ++position_;
-    }
-    if (fetched != nullptr) *fetched = given;
-    return given == count ? S_OK : S_FALSE;
-  }
-
-  HRESULT STDMETHODCALLTYPE Skip(ULONG count) noexcept override {
-    const std::size_t left = elements_.size() - position_;
-    position_ += std::min<std::size_t>(count, left);
-    return count <= left ? S_OK : S_FALSE;
-  }
-
-  HRESULT STDMETHODCALLTYPE Reset() noexcept override {
-    position_ = 0;
-    return S_OK;
-  }
-
-  HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** copy) noexcept override {
-    if (copy == nullptr) return E_POINTER;
-    *copy = nullptr;
-    return E_NOTIMPL;
-  }
-
- private:
-  ModuleUse use_;
-  std::vector<Variant> elements_;
-  std::size_t position_ = 0;
-};
 
 }  // namespace
 
@@ -165,9 +120,9 @@ HRESULT STDMETHODCALLTYPE AutomationObject::GetIDsOfNames(REFIID, LPOLESTR* name
   return identifiers[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE AutomationObject::Invoke(DISPID identifier, REFIID iid, LCID, WORD kind,
+HRESULT STDMETHODCALLTYPE AutomationObject::Invoke(DISPID identifier, REFIID iid, LCID locale, WORD kind,
                                                    DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
-                                                   UINT*) noexcept {
+                                                   UINT* argument_error) noexcept {
   if (result != nullptr) VariantInit(result);
   if (!IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   if (parameters == nullptr) return E_INVALIDARG;
@@ -179,7 +134,16 @@ HRESULT STDMETHODCALLTYPE AutomationObject::Invoke(DISPID identifier, REFIID iid
   const ComPtr<IDispatch> alive(this);
   try {
     Variant answer;
-    if (!Call(identifier, put, Arguments(*parameters), answer)) return DISP_E_MEMBERNOTFOUND;
+    const HRESULT outcome = Call(identifier, kind, Arguments(*parameters), answer);
+    if (outcome == DISP_E_BADPARAMCOUNT && (kind & DISPATCH_PROPERTYGET) != 0) {
+      // rs.Fields("nome"): too many for the property are those of its object's default member.
+      const DISPPARAMS none{};
+      if (Call(identifier, DISPATCH_PROPERTYGET, Arguments(none), answer) == S_OK && answer.Type() == VT_DISPATCH) {
+        return answer.Get().pdispVal->Invoke(DISPID_VALUE, iid, locale, kind, parameters, result, exception,
+                                             argument_error);
+      }
+    }
+    if (FAILED(outcome)) return outcome;
     if (result != nullptr) *result = answer.Detach();
     return S_OK;
   } catch (const base::Error& error) {
@@ -198,10 +162,15 @@ Variant BooleanResult(bool value) noexcept {
   return variant;
 }
 
-Variant EnumeratorResult(std::vector<Variant> elements) {
+Variant LongPointerResult(std::intptr_t number) noexcept {
   Variant variant;
-  variant.Get().punkVal = new Enumerator(std::move(elements));
-  variant.Get().vt = VT_UNKNOWN;
+  if constexpr (sizeof(number) == sizeof(variant.Get().llVal)) {
+    variant.Get().vt = VT_I8;
+    variant.Get().llVal = number;
+  } else {
+    variant.Get().vt = VT_I4;
+    variant.Get().lVal = static_cast<LONG>(number);
+  }
   return variant;
 }
 

@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/automation/com_object.h"
 #include "platform/automation/com_ptr.h"
@@ -50,16 +49,29 @@ class Arguments {
   const DISPPARAMS& parameters_;
 };
 
+// How many arguments a call takes, and how many of them, the first ones, it must have.
+struct Parameters {
+  std::size_t count = 0;
+  std::size_t required = 0;
+};
+
+inline constexpr WORD kMethod = DISPATCH_METHOD;
+inline constexpr WORD kProperty = DISPATCH_PROPERTYGET;
+
 // A method, or a property with the function that reads it and, when it can be set, the one that stores it.
 template <typename Class>
 struct Member {
   const wchar_t* name;
   DISPID identifier;
+  WORD kind;  // kMethod, kProperty
+  Parameters parameters;
   Variant (Class::*call)(const Arguments&);
   void (Class::*put)(const Arguments&) = nullptr;
 };
 
-// IDispatch without a type library, as far as scripts and late-bound hosts use it. Errors leave as EXCEPINFO.
+// IDispatch without a type library, as far as scripts and late-bound hosts use it. It is as strict as the dispatch of a
+// type library is: a member is called in its own way and with its own number of arguments, or the call is refused.
+// Errors leave as EXCEPINFO.
 class AutomationObject : public platform::ComObject<IDispatch> {
  public:
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
@@ -72,8 +84,8 @@ class AutomationObject : public platform::ComObject<IDispatch> {
  protected:
   // DISPID_UNKNOWN when there is no such member; names match without regard to case.
   virtual DISPID FindMember(std::wstring_view name) const noexcept = 0;
-  // False when there is no such member, or it cannot be set.
-  virtual bool Call(DISPID identifier, bool put, const Arguments& arguments, Variant& result) = 0;
+  // S_OK, or why the member cannot be called in this way: DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT.
+  virtual HRESULT Call(DISPID identifier, WORD kind, const Arguments& arguments, Variant& result) = 0;
   // Where an error of the class itself comes from, such as "ADODB.Connection".
   virtual std::wstring_view Source() const noexcept = 0;
 
@@ -94,19 +106,24 @@ class Automation : public AutomationObject {
     return DISPID_UNKNOWN;
   }
 
-  bool Call(DISPID identifier, bool put, const Arguments& arguments, Variant& result) override {
+  HRESULT Call(DISPID identifier, WORD kind, const Arguments& arguments, Variant& result) override {
     auto& self = static_cast<Class&>(*this);
     for (const Member<Class>& member : Class::Members()) {
       if (member.identifier != identifier) continue;
-      if (!put) {
-        result = (self.*member.call)(arguments);
-        return true;
+      if ((kind & DISPATCH_PROPERTYPUT) != 0) {
+        if (member.put == nullptr) return DISP_E_MEMBERNOTFOUND;
+        if (arguments.count() != 1) return DISP_E_BADPARAMCOUNT;
+        (self.*member.put)(arguments);
+        return S_OK;
       }
-      if (member.put == nullptr) return false;
-      (self.*member.put)(arguments);
-      return true;
+      if ((kind & member.kind) == 0) return DISP_E_MEMBERNOTFOUND;
+      if (arguments.count() > member.parameters.count || arguments.count() < member.parameters.required) {
+        return DISP_E_BADPARAMCOUNT;
+      }
+      result = (self.*member.call)(arguments);
+      return S_OK;
     }
-    return false;
+    return DISP_E_MEMBERNOTFOUND;
   }
 };
 
@@ -118,7 +135,7 @@ Variant ObjectResult(const ComPtr<Class>& object) {
 
 Variant BooleanResult(bool value) noexcept;
 
-// An object that For Each walks over, with these elements.
-Variant EnumeratorResult(std::vector<Variant> elements);
+// A number of the type ADO_LONGPTR, which is as wide as the process's pointers.
+Variant LongPointerResult(std::intptr_t number) noexcept;
 
 }  // namespace quenta::sandbox::com

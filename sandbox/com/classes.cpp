@@ -5,7 +5,6 @@
 #include "base/error.h"
 #include "sandbox/com/ado_connection.h"
 #include "sandbox/com/ado_errors.h"
-#include "sandbox/com/ado_recordset.h"
 #include "sandbox/com/error_reporting.h"
 #include "sandbox/com/module.h"
 
@@ -55,11 +54,6 @@ std::span<const CreatableClass> CreatableClasses() noexcept {
        L"ADODB.Connection",
        L"Connection",
        &Create<ConnectionObject>},
-      {{0x00000535, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}},
-       L"{00000535-0000-0010-8000-00AA006D2EA4}",
-       L"ADODB.Recordset",
-       L"Recordset",
-       &Create<RecordsetObject>},
       {{0xACABFA9B, 0xF364, 0x4F42, {0xB7, 0x44, 0xFC, 0x05, 0xD7, 0x55, 0xFE, 0xAA}},
        L"{ACABFA9B-F364-4F42-B744-FC05D755FEAA}",
        L"ErrorReporting.General",

@@ -7,7 +7,6 @@
 #include <type_traits>
 
 #include "platform/automation/bstr.h"
-#include "platform/automation/com_error.h"
 
 namespace quenta::sandbox::com {
 namespace {
@@ -75,44 +74,34 @@ Variant AppendCall(const char* method, const Arguments& arguments) {
   return {};
 }
 
-void RequireCount(const Arguments& arguments, std::size_t count) {
-  if (arguments.count() != count) platform::ThrowIfFailed(DISP_E_BADPARAMCOUNT, "arguments");
-}
-
-Variant AppendCallWithForm(const char* method, const Arguments& arguments) {
-  RequireCount(arguments, 1);
-  return AppendCall(method, arguments);
-}
-
 }  // namespace
 
 std::span<const Member<ErrorReportingObject>> ErrorReportingObject::Members() {
   using Self = ErrorReportingObject;
   static constexpr Member<Self> kMembers[] = {
-      {L"Report", 1, &Self::Report},
-      {L"SQLReconnectShow", 2, &Self::SQLReconnectShow},
-      {L"SQLReconnectShutdown", 3, &Self::SQLReconnectShutdown},
-      {L"SQLReconnectShowBad", 4, &Self::SQLReconnectShowBad},
-      {L"SQLReconnectShowOK", 5, &Self::SQLReconnectShowOK},
+      {L"Report", 1, kMethod, {5, 5}, &Self::Report},
+      {L"SQLReconnectShow", 2, kMethod, {1, 1}, &Self::SQLReconnectShow},
+      {L"SQLReconnectShutdown", 3, kMethod, {1, 1}, &Self::SQLReconnectShutdown},
+      {L"SQLReconnectShowBad", 4, kMethod, {1, 1}, &Self::SQLReconnectShowBad},
+      {L"SQLReconnectShowOK", 5, kMethod, {1, 1}, &Self::SQLReconnectShowOK},
   };
   return kMembers;
 }
 
 Variant ErrorReportingObject::Report(const Arguments& arguments) {
-  RequireCount(arguments, 5);
   return AppendCall("Report", arguments);
 }
 Variant ErrorReportingObject::SQLReconnectShow(const Arguments& arguments) {
-  return AppendCallWithForm("SQLReconnectShow", arguments);
+  return AppendCall("SQLReconnectShow", arguments);
 }
 Variant ErrorReportingObject::SQLReconnectShutdown(const Arguments& arguments) {
-  return AppendCallWithForm("SQLReconnectShutdown", arguments);
+  return AppendCall("SQLReconnectShutdown", arguments);
 }
 Variant ErrorReportingObject::SQLReconnectShowBad(const Arguments& arguments) {
-  return AppendCallWithForm("SQLReconnectShowBad", arguments);
+  return AppendCall("SQLReconnectShowBad", arguments);
 }
 Variant ErrorReportingObject::SQLReconnectShowOK(const Arguments& arguments) {
-  return AppendCallWithForm("SQLReconnectShowOK", arguments);
+  return AppendCall("SQLReconnectShowOK", arguments);
 }
 
 }  // namespace quenta::sandbox::com

@@ -10,6 +10,7 @@
 #include "base/text.h"
 #include "component/session/scrambler.h"
 #include "platform/automation/bstr.h"
+#include "platform/automation/safe_array_access.h"
 #include "platform/automation/variant.h"
 #include "platform/automation/variant_value.h"
 
@@ -371,10 +372,9 @@ std::string ProductFixture::Sql(const std::string& statement) {
   IDispatch& recordset = *rows.Get().pdispVal;
   if (base::ToLong(ToValue(GetProperty(recordset, L"State").Get()), {}) == 0) return {};
   if (base::ToBoolean(ToValue(GetProperty(recordset, L"EOF").Get()), {})) return "(none)";
-  const Variant first(0);
-  const Variant fields = GetProperty(recordset, L"Fields");
-  const Variant field = CallMethod(*fields.Get().pdispVal, L"Item", {&first});
-  const base::Value value = ToValue(GetProperty(*field.Get().pdispVal, L"Value").Get());
+  const Variant one(1);
+  const Variant block = CallMethod(recordset, L"GetRows", {&one});
+  const base::Value value = ToValue(platform::SafeArrayAccess<VARIANT>(block.Get().parray).Elements().front());
   return value.is_null() ? std::string() : base::ToText(value, {});
 }
 

@@ -11,7 +11,7 @@ Dim environment, connection_string
 Set environment = CreateObject("WScript.Shell").Environment("Process")
 connection_string = environment(WScript.Arguments(0))
 
-Dim cn, rs, field, affected, rows, i
+Dim cn, rs, affected, rows, i
 
 Set cn = CreateObject("ADODB.Connection")
 WScript.Echo "closed: " & cn.State
@@ -25,23 +25,12 @@ cn.Execute "CREATE TABLE script_products (produto_id INT NOT NULL PRIMARY KEY, n
 cn.Execute "INSERT INTO script_products VALUES (1, 'Caneta', 12.5, CONVERT(DATETIME,'2017-12-31',102))", affected
 cn.Execute "INSERT INTO script_products VALUES (2, null, null, null), (3, 'Lapis', 0.25, null)"
 
-Set rs = CreateObject("ADODB.Recordset")
-rs.Open "SELECT * FROM script_products ORDER BY produto_id", cn
-Do While Not rs.EOF
-  WScript.Echo rs("produto_id") & " [" & rs.Fields("nome") & "] " & TypeName(rs("preco").Value) & " " & TypeName(rs.Fields(3).Value)
-  rs.MoveNext
-Loop
-rs.Close
-
-rs.CursorLocation = 3
-rs.Open "SELECT * FROM script_products ORDER BY produto_id", cn, 3, 1
-WScript.Echo "count: " & rs.RecordCount
-For Each field In rs.Fields
-  WScript.Echo "field: " & field.Name & " " & field.Type
-Next
-rs.MoveNext
+Set rs = cn.Execute("SELECT * FROM script_products ORDER BY produto_id")
+WScript.Echo "field: " & rs.Fields(0).Name & " " & rs("produto_id")
+WScript.Echo "field: " & rs.Fields("NOME").Name & " " & rs.Fields.Item(1)
+WScript.Echo "field: " & rs.Fields("preco").Name & " " & TypeName(rs("preco").Value)
 rows = rs.GetRows()
-WScript.Echo "rows: " & UBound(rows, 1) & " " & UBound(rows, 2) & " " & rows(1, 1) & " " & Truth(IsNull(rows(1, 0))) & " " & Truth(rs.EOF)
+WScript.Echo "rows: " & UBound(rows, 1) & " " & UBound(rows, 2) & " " & rows(1, 2) & " " & Truth(IsNull(rows(1, 1))) & " " & Truth(rs.EOF)
 rs.Close
 
 On Error Resume Next
@@ -49,7 +38,7 @@ cn.Execute "SELECT * FROM script_nothing"
 WScript.Echo Hex(Err.Number) & " " & Err.Description
 WScript.Echo cn.Errors.Count & " " & Truth(cn.Errors(0).Number = Err.Number) & " " & Truth(cn.Errors(0).Description = Err.Description)
 Err.Clear
-rs.Open "SELECT * FROM script_products", cn
+Set rs = cn.Execute("SELECT * FROM script_products")
 i = rs("nada")
 WScript.Echo Err.Number And 65535
 rs.Close
