@@ -85,14 +85,14 @@ Server RaceServers(const session::Ports& ports, const std::string& primary, cons
     if (static_cast<int>(state_a) + static_cast<int>(state_b) < static_cast<int>(ConnectionState::kConnecting)) {
       return Server::kNone;
     }
-    if (!ports.desktop.Breathe()) return Server::kNone;
+    if (!ports.desktop.PumpMessages()) return Server::kNone;
   }
 }
 
 bool CredentialsHold(const session::Ports& ports, const std::string& connection_string) {
   const TestConnection user(ports.database, connection_string);
   while (user.State() == ConnectionState::kConnecting) {
-    if (!ports.desktop.Breathe()) return false;
+    if (!ports.desktop.PumpMessages()) return false;
   }
   return user.IsOpen();
 }

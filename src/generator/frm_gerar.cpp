@@ -261,7 +261,7 @@ frmGerar::End frmGerar::Generate(const Choice& choice, Progress& progress) {
 bool frmGerar::MayGoOn(const std::string& code, int position, int count) {
   ProgressBar1.SetProgress(position, count);
   Label2.set_caption(code + " (" + base::DecimalText(position + 1) + " de " + base::DecimalText(count) + ")");
-  quitting_ = !session_.ports().desktop.Breathe();
+  quitting_ = !session_.ports().desktop.PumpMessages();
   return !quitting_ && !stop_ && loaded();
 }
 

@@ -1,6 +1,7 @@
 // Questions to the user, documents to open, and waits during which the host goes on living.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -49,9 +50,12 @@ class Desktop {
   // Puts a text on the clipboard. False when another program holds it.
   virtual bool CopyText(const std::string& text) = 0;
 
-  // Lets the host process its messages and sleeps a moment at most. False once the host is quitting: a wait that polls
-  // must then end.
-  virtual bool Breathe() = 0;
+  // Lets the host process a bounded number of messages, and sleeps a moment at most. False once the host is quitting: a
+  // wait that polls must then end.
+  virtual bool PumpMessages() = 0;
+
+  // The clock that such waits are measured by; nobody sets it.
+  virtual std::chrono::steady_clock::time_point Now() = 0;
 };
 
 }  // namespace quenta::ports

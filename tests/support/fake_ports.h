@@ -112,12 +112,13 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
     copied = text;
     return true;
   }
-  bool Breathe() override {
-    ++breaths;
-    std::this_thread::sleep_for(breath);
-    if (while_breathing) while_breathing();
-    return breaths < quits_after;
+  bool PumpMessages() override {
+    ++pumps;
+    std::this_thread::sleep_for(pump_time);
+    if (while_pumping) while_pumping();
+    return pumps < quits_after;
   }
+  std::chrono::steady_clock::time_point Now() override { return std::chrono::steady_clock::now() + skipped; }
 
   ports::Answer answer = ports::Answer::kOk;
   std::vector<ports::Message> messages;
@@ -125,11 +126,12 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
   std::vector<ports::FileToSave> asked_files;
   std::optional<std::string> file_to_save;  // what the user answers
   std::string copied;
-  int breaths = 0;
-  int quits_after = 1000;              // breaths until the host is quitting
-  std::chrono::milliseconds breath{};  // how long one takes; none where time is not real
+  int pumps = 0;
+  int quits_after = 1000;                 // pumps until the host is quitting
+  std::chrono::milliseconds pump_time{};  // how long one takes; none where time is not real
+  std::chrono::milliseconds skipped{};    // by how much the clock is ahead of the real one
   std::function<void()> while_asking;
-  std::function<void()> while_breathing;
+  std::function<void()> while_pumping;
 };
 
 // Windows that exist only in name.

@@ -71,7 +71,7 @@ std::string PasswordOf(const std::string& user) {
 }  // namespace
 
 SampleComponentTest::SampleComponentTest() : sample_(SharedTemplate().Copy()) {
-  desktop.breath = std::chrono::milliseconds(1);
+  desktop.pump_time = std::chrono::milliseconds(1);
   desktop.quits_after = 30000;
 }
 

@@ -85,7 +85,7 @@ class Keeper {
     session_.cancel_reconnect = false;
     while (State() == ConnectionState::kConnecting && !session_.cancel_reconnect) {
       // A host that is quitting ends the wait as the cancel does.
-      if (!session_.ports().desktop.Breathe()) session_.cancel_reconnect = true;
+      if (!session_.ports().desktop.PumpMessages()) session_.cancel_reconnect = true;
     }
     if (session_.cancel_reconnect) return false;
     if (!error_) Try([&] { connection_.ThrowIfOpenFailed(); });

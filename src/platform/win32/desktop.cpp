@@ -154,11 +154,13 @@ bool Desktop::CopyText(const std::string& text) {
   return copied;
 }
 
-bool Desktop::Breathe() {
+bool Desktop::PumpMessages() {
   constexpr DWORD kLongestWait = 10;  // milliseconds
+  // A window that posts to itself never lets the queue run empty.
+  constexpr int kMostMessages = 100;
   MsgWaitForMultipleObjectsEx(0, nullptr, kLongestWait, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
   MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+  for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
     if (message.message == WM_QUIT) {
       // It is the host's loop that must end by it.
       PostQuitMessage(static_cast<int>(message.wParam));
@@ -167,7 +169,8 @@ bool Desktop::Breathe() {
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
-  return true;
+  // The request to quit comes behind everything that is posted: it is looked for among what is left.
+  return !PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE) || message.message != WM_QUIT;
 }
 
 }  // namespace quenta::platform

@@ -1,6 +1,10 @@
 // The desktop port on Windows: message boxes, opening documents, and waits during which messages are processed.
 #pragma once
 
+#include <chrono>
+#include <optional>
+#include <string>
+
 #include "platform/win32/activation_context.h"
 #include "platform/win32/form_host.h"
 #include "ports/desktop.h"
@@ -15,7 +19,8 @@ class Desktop final : public ports::Desktop {
   bool OpenDocument(const std::string& path, const std::string& working_folder, controls::Form* over) override;
   std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form* over) override;
   bool CopyText(const std::string& text) override;
-  bool Breathe() override;
+  bool PumpMessages() override;
+  std::chrono::steady_clock::time_point Now() override { return std::chrono::steady_clock::now(); }
 
  private:
   FormHost& forms_;

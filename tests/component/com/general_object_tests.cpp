@@ -262,7 +262,7 @@ TEST_F(GeneralObjectTest, SurvivesTheHostLettingGoOfItDuringACall) {
   BSTR name = server_name.Get();
   LONG flags = 0;
   VARIANT_BOOL result = VARIANT_TRUE;
-  world.desktop.while_breathing = [&] {
+  world.desktop.while_pumping = [&] {
     general.Reset();
     EXPECT_EQ(server.CanUnload(), S_FALSE) << "its own call is still running";
   };

@@ -1,4 +1,4 @@
-// The user's desktop: a file to save in, and the clipboard.
+// The user's desktop: a file to save in, the clipboard, and waits.
 #include "platform/win32/desktop.h"
 
 #include <windows.h>
@@ -10,6 +10,7 @@
 
 #include "component/form_host/form_fixture.h"
 #include "platform/win32/files.h"
+#include "platform/win32/handles.h"
 #include "platform/win32/wide_text.h"
 
 namespace quenta::tests {
@@ -17,6 +18,15 @@ namespace {
 
 using platform::Narrow;
 using platform::Wide;
+
+// A window that posts to itself, so that the thread's queue does not run empty; it gives up for who never comes back.
+constexpr int kGivesUp = 100000;
+int posted = 0;
+LRESULT CALLBACK PostAgain(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+  if (message != WM_APP) return DefWindowProcW(window, message, wparam, lparam);
+  if (++posted < kGivesUp) PostMessageW(window, WM_APP, 0, 0);
+  return 0;
+}
 
 class DesktopTest : public FormFixture {
  protected:
@@ -105,6 +115,26 @@ TEST_F(DesktopTest, ATextIsCopiedForOtherPrograms) {
     CloseClipboard();
   }).join();
   EXPECT_EQ(clipboard(), "antes");
+}
+
+TEST_F(DesktopTest, AWaitProcessesMessagesComesBackFromABusyQueueAndEndsWhenTheHostQuits) {
+  Show();
+  PostMessageW(window, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(desktop_.PumpMessages());
+  EXPECT_EQ(form->closed, 1);
+
+  const platform::OwnedWindow busy(
+      CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
+  SetWindowLongPtrW(busy.get(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&PostAgain));
+  posted = 0;
+  PostMessageW(busy.get(), WM_APP, 0, 0);
+  EXPECT_TRUE(desktop_.PumpMessages());
+  PostQuitMessage(7);
+  EXPECT_FALSE(desktop_.PumpMessages());
+  EXPECT_LT(posted, kGivesUp);
+  MSG quit;
+  ASSERT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the host's loop must still see it";
+  EXPECT_EQ(quit.wParam, 7U);
 }
 
 }  // namespace

@@ -301,18 +301,5 @@ TEST_F(FormHostTest, AQuestionLeavesTheFormAsItsModelSays) {
   EXPECT_FALSE(IsWindowEnabled(window));
 }
 
-TEST_F(FormHostTest, AWaitProcessesMessagesAndEndsWhenTheHostQuits) {
-  Show();
-  platform::Desktop desktop(host);
-  PostMessageW(window, WM_CLOSE, 0, 0);
-  EXPECT_TRUE(desktop.Breathe());
-  EXPECT_EQ(form->closed, 1);
-  PostQuitMessage(7);
-  EXPECT_FALSE(desktop.Breathe());
-  MSG quit;
-  ASSERT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the host's loop must still see it";
-  EXPECT_EQ(quit.wParam, 7U);
-}
-
 }  // namespace
 }  // namespace quenta::tests

@@ -91,7 +91,7 @@ TEST_F(SQLConnectTest, AnErrorOfTheSharedConnectionIsReportedUnderTheLabelsKeptF
   database.users["suite"] = "s3creta";
   int opens = 0;
   database.servers["sql2"].answers = false;
-  desktop.while_breathing = [&] {
+  desktop.while_pumping = [&] {
     // The server lets the race and the user's test in, then locks the component's own user out.
     if (++opens == 2) database.users["suite"] = "mudada";
   };
@@ -106,8 +106,8 @@ TEST_F(SQLConnectTest, TheWaitEndsWithTheHostAndRefusesToBeEnteredAgain) {
   database.servers["sql1"].steps_to_answer = 1000000;
   database.servers["sql2"].steps_to_answer = 1000000;
   bool inner = true;
-  desktop.while_breathing = [&] {
-    if (desktop.breaths == 3) inner = General(component).SQLConnect(Arguments());
+  desktop.while_pumping = [&] {
+    if (desktop.pumps == 3) inner = General(component).SQLConnect(Arguments());
   };
   desktop.quits_after = 10;
   EXPECT_FALSE(General(component).SQLConnect(Arguments()));

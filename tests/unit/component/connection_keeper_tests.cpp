@@ -113,7 +113,7 @@ TEST_F(KeeperTest, ACancelledWaitEndsAtOnce) {
     form.states.clear();
     form.pointer = 5;
     reporting.calls.clear();
-    desktop.while_breathing = [&] { session.cancel_reconnect = true; };
+    desktop.while_pumping = [&] { session.cancel_reconnect = true; };
     session.shared_connection_string = session.state().primary_connection_string;
     DropLine();
     EXPECT_EQ(Check({.form = &form, .reconnect = true, .silent = c.silent, .minimise = true}), "...");

@@ -115,9 +115,9 @@ TEST_F(BadInput, AFormThatGoesWhileItLoadsStaysAway) {
     database.Forget();
     database.fail_at = 1;  // the first list, after the keeper's question
     database.fault = Fault::kLineDrops;
-    desktop.while_breathing = [&] { form->WindowLost(); };
+    desktop.while_pumping = [&] { form->WindowLost(); };
     form->Open({.produto_id = id});
-    desktop.while_breathing = nullptr;
+    desktop.while_pumping = nullptr;
     EXPECT_FALSE(form->loaded() || form->visible());
     EXPECT_TRUE(form_host.shown.empty());
     EXPECT_FALSE(form->Gravar());

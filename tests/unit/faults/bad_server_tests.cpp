@@ -22,7 +22,7 @@ class BadServerTest : public SampleComponentTest {
   BadServerTest() { setenv("QUENTA_FAULTS", faults_file_.c_str(), 1); }
   ~BadServerTest() override {
     // A thread that still connects must not outlive the driver.
-    while (sandbox::OdbcDatabase::ConnectingThreads() > 0) desktop.Breathe();
+    while (sandbox::OdbcDatabase::ConnectingThreads() > 0) desktop.PumpMessages();
     unsetenv("QUENTA_FAULTS");
   }
   // With two servers; both are well at first.
@@ -54,7 +54,7 @@ class BadServerTest : public SampleComponentTest {
                 "[DBNETLIB][ConnectionWrite (send()).]General network error. Check your network documentation.");
     }
     EXPECT_EQ(session.SharedConnection().State(), ports::ConnectionState::kOpen) << "it does not know yet";
-    desktop.breaths = 0;
+    desktop.pumps = 0;
   }
   std::string Server() { return session.SharedConnection().ConnectionString(); }
 
@@ -69,7 +69,7 @@ TEST_F(BadServerTest, ALineThatDiedIsReplacedAndTheHostLivesOnWhileTheServerIsSl
   Servers("slow 200", "slow 200");
   EXPECT_EQ(Check(), "");
   EXPECT_GE(took_, milliseconds(200));
-  EXPECT_GT(desktop.breaths, 10) << "the host's messages are processed meanwhile";
+  EXPECT_GT(desktop.pumps, 10) << "the host's messages are processed meanwhile";
   EXPECT_EQ(form_.pointer, 5);
   Servers("", "");
   EXPECT_EQ(OpenForm(IdOfCode("10300"))->FXCodigo.text(), "10300");
@@ -100,11 +100,11 @@ TEST_F(BadServerTest, WhileNobodyAnswersItSaysWhyAndWorksAgainOnceSomebodyDoes) 
 TEST_F(BadServerTest, AWaitThatIsCancelledEndsAtOnceAndLeavesTheHourglass) {
   LetLineDie();
   Servers("slow 300", "slow 300");
-  desktop.while_breathing = [&] { session.cancel_reconnect = desktop.breaths == 5; };
+  desktop.while_pumping = [&] { session.cancel_reconnect = desktop.pumps == 5; };
   EXPECT_EQ(Check(), "...");
   EXPECT_LT(took_, milliseconds(250));
   EXPECT_EQ(form_.pointer, 11);
-  desktop.while_breathing = nullptr;
+  desktop.while_pumping = nullptr;
   Servers("", "");
   EXPECT_EQ(Check(), "");
 }
@@ -114,7 +114,7 @@ TEST_F(BadServerTest, WithoutLeaveToReconnectItAnswersAtOnce) {
   Servers("slow 5000", "slow 5000");
   session.SharedConnection().Close();
   EXPECT_EQ(Check({}), "A ligação ao servidor SQL não está presente.");
-  EXPECT_EQ(desktop.breaths, 0);
+  EXPECT_EQ(desktop.pumps, 0);
 }
 
 TEST_F(BadServerTest, ASaveInWhichTheLineDiesLosesNothing) {

@@ -270,8 +270,8 @@ TEST_F(FrmGerarTest, StoppedBetweenTwoProductsItKeepsWhatItHasCreated) {
     const auto form = OpenGenerator("A10");
     form->CoresTodas.Clicked();
     int turns = 0;
-    const int breaths = desktop.breaths;
-    desktop.while_breathing = [&, what = stop] {
+    const int pumps = desktop.pumps;
+    desktop.while_pumping = [&, what = stop] {
       if (++turns != 3) return;
       switch (what) {
         case Stop::kCancel:
@@ -285,7 +285,7 @@ TEST_F(FrmGerarTest, StoppedBetweenTwoProductsItKeepsWhatItHasCreated) {
           form->WindowLost();
           break;
         case Stop::kHostQuits:
-          desktop.quits_after = desktop.breaths;
+          desktop.quits_after = desktop.pumps;
           break;
         case Stop::kOpenerGoes:
           opener->WindowLost();
@@ -294,10 +294,10 @@ TEST_F(FrmGerarTest, StoppedBetweenTwoProductsItKeepsWhatItHasCreated) {
       }
     };
     form->Command1.Clicked();
-    desktop.while_breathing = nullptr;
+    desktop.while_pumping = nullptr;
     desktop.quits_after = 30000;
     const bool whole = stop == Stop::kOpenerGoes;
-    EXPECT_EQ(desktop.breaths - breaths, whole ? 16 : 3) << "nothing goes on after the stop";
+    EXPECT_EQ(desktop.pumps - pumps, whole ? 16 : 3) << "nothing goes on after the stop";
     EXPECT_EQ(SqlText("SELECT COUNT(*) FROM tbProdutos WHERE is_deleted = 0 AND main_id = " + main_id),
               whole ? "16" : "2");
     EXPECT_EQ(HalfDependants(), "0");
@@ -320,7 +320,7 @@ TEST_F(FrmGerarTest, WhileItGeneratesNothingCanDisturbIt) {
   Check(form->ListView1, {"Azul", "Preto", "Verde"});
   component::General general(component);
   std::set<std::string> shown;
-  desktop.while_breathing = [&] {
+  desktop.while_pumping = [&] {
     shown.insert(form->Label2.caption() + " " + form->ProgressBar1.Describe());
     EXPECT_TRUE(form->ProgressBar1.visible() && form->Label2.visible());
     EXPECT_EQ(form->mouse_pointer(), controls::MousePointer::kHourglass);
@@ -340,7 +340,7 @@ TEST_F(FrmGerarTest, WhileItGeneratesNothingCanDisturbIt) {
   desktop.while_asking = [&] { form->Command1_Click(); };
   const std::size_t forms = form_host.shown.size();
   form->Command1.Clicked();
-  desktop.while_breathing = nullptr;
+  desktop.while_pumping = nullptr;
   EXPECT_EQ(Dependants(), "A10-AZ Azul -, A10-PT Preto -, A10-VD Verde -");
   EXPECT_EQ(shown,
             (std::set<std::string>{"A10-AZ (1 de 3) 0 of 3", "A10-PT (2 de 3) 1 of 3", "A10-VD (3 de 3) 2 of 3"}));
