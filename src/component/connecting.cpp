@@ -2,8 +2,10 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "base/error.h"
+#include "component/session/connection_keeper.h"
 #include "component/session/connection_string.h"
 #include "component/session/scrambler.h"
 #include "data/registry.h"
@@ -30,8 +32,15 @@ class ConnectingMark {
   Component& component_;
 };
 
+// A line that died goes on saying that it is open until a statement fails on it.
 bool SessionIsOpen(session::Session& session) {
-  return session.state().connected && session.SharedConnection().State() == ConnectionState::kOpen;
+  return session.state().connected && session::ConnectionAnswers(session);
+}
+
+// No other connection takes the place of a dead one under a transaction of ours: what the operation still writes would
+// then be written outside of it. While another call waits, that one decides what the session is.
+bool MayConnect(Component& component) {
+  return !component.connecting && !component.session().transaction_held;
 }
 
 // A connection that is tried and then closed again. Whatever fails about it only makes it not open.
@@ -97,12 +106,24 @@ bool CredentialsHold(const session::Ports& ports, const std::string& connection_
   return user.IsOpen();
 }
 
+// The shared connection stays what it was until another one is open.
 void OpenSharedConnection(session::Session& session, const std::string& connection_string) {
-  Connection& shared = session.SharedConnection();
-  if (shared.State() != ConnectionState::kClosed) shared.Close();
-  shared.SetConnectionString(connection_string);
-  session.shared_connection_string = Scramble(connection_string);
-  shared.Open();
+  std::string scrambled = Scramble(connection_string);
+  std::unique_ptr<Connection> connection = session.ports().database.CreateConnection();
+  connection->SetConnectionString(connection_string);
+  connection->Open();
+  session.ShareConnection(std::move(connection), std::move(scrambled));
+}
+
+bool OpensWith(ports::Database& database, const std::string& connection_string) {
+  const std::unique_ptr<Connection> test = database.CreateConnection();
+  try {
+    test->SetConnectionString(connection_string);
+    test->Open();
+    return !test->ConnectionString().empty();
+  } catch (const base::Error&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -110,7 +131,7 @@ void OpenSharedConnection(session::Session& session, const std::string& connecti
 bool ConnectWithArguments(Component& component, const SQLConnectArguments& arguments) {
   session::Session& session = component.session();
   if (SessionIsOpen(session)) return true;
-  if (component.connecting) return false;
+  if (!MayConnect(component)) return false;
   const ConnectingMark mark(component);
 
   SessionState next = session.state();
@@ -155,7 +176,7 @@ bool ConnectWithArguments(Component& component, const SQLConnectArguments& argum
 bool ConnectWithSettings(Component& component, const std::string& user, const std::string& password) {
   session::Session& session = component.session();
   if (SessionIsOpen(session)) return true;
-  if (component.connecting) return false;
+  if (!MayConnect(component)) return false;
   const ConnectingMark mark(component);
 
   data::Registry registry(session.ports());
@@ -177,23 +198,15 @@ bool ConnectWithSettings(Component& component, const std::string& user, const st
     return BuildConnectionString(
         {*security_info, who, Unscramble(scrambled_password), false, *initial_catalog, *data_source});
   };
-  {
-    const std::unique_ptr<Connection> test = session.ports().database.CreateConnection();
-    try {
-      test->SetConnectionString(connection_string(user, password));
-      test->Open();
-    } catch (const base::Error&) {
-      return false;
-    }
-    const bool opened = !test->ConnectionString().empty();
-    test->Close();
-    if (!opened) return false;
-  }
-  if (session.SharedConnection().State() != ConnectionState::kOpen) {
+  if (!OpensWith(session.ports().database, connection_string(user, password))) return false;
+  if (!session::ConnectionAnswers(session)) {
     OpenSharedConnection(session, connection_string(*database_user, *database_password));
   }
 
-  SessionState next;
+  // What SQLConnect left for the keeper is good for the same database only.
+  SessionState next = session.state();
+  if (next.primary_data_source != *data_source || next.initial_catalog != *initial_catalog) next = {};
+  next.on_secondary = false;
   next.connected = true;
   next.session_user = user;
   next.session_password = password;

@@ -8,9 +8,13 @@
 
 namespace quenta::component {
 
+// Both answer true at once while the session is open and its connection answers, and false at once where no connection
+// may be opened: while the other or the same waits, and under a transaction of ours on a dead line. A call that fails
+// or throws leaves session and shared connection as they were.
+
 // Races the primary and the secondary server, checks the user's credentials on the winner, and opens the shared
-// connection there. True when the session is open; false, with the session unchanged, when no server answered or the
-// credentials failed. Throws what is unexpected: the shared connection's own open.
+// connection there. True when the session is open; false when no server answered or the credentials failed. Throws what
+// is unexpected: the shared connection's own open.
 bool ConnectWithArguments(Component& component, const SQLConnectArguments& arguments);
 
 // Reads the settings from the registry, checks the user's credentials, and opens the shared connection. False when a

@@ -25,11 +25,13 @@ class ErrorReporting {
   virtual ~ErrorReporting() = default;
   virtual void Report(const ErrorReport& report) noexcept = 0;
 
-  // Progress of a reconnect, each with the form it disturbs (may be null).
+  // Progress of a reconnect, each with the form it disturbs (may be null). SQLReconnectShow creates the object that the
+  // others are called on, until ReleaseReconnect lets go of it: every reconnect ends with that, even a cancelled one.
   virtual void SQLReconnectShow(controls::Form* form) noexcept = 0;
   virtual void SQLReconnectShutdown(controls::Form* form) noexcept = 0;
   virtual void SQLReconnectShowBad(controls::Form* form) noexcept = 0;
   virtual void SQLReconnectShowOK(controls::Form* form) noexcept = 0;
+  virtual void ReleaseReconnect() noexcept = 0;
 };
 
 }  // namespace quenta::ports

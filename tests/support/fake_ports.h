@@ -37,13 +37,18 @@ class Fallible {
 class FakeErrorReporting final : public ports::ErrorReporting {
  public:
   void Report(const ports::ErrorReport& report) noexcept override { reports.push_back(report); }
-  void SQLReconnectShow(controls::Form*) noexcept override { calls.push_back("SQLReconnectShow"); }
+  void SQLReconnectShow(controls::Form*) noexcept override {
+    calls.push_back("SQLReconnectShow");
+    reconnecting = true;
+  }
   void SQLReconnectShutdown(controls::Form*) noexcept override { calls.push_back("SQLReconnectShutdown"); }
   void SQLReconnectShowBad(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowBad"); }
   void SQLReconnectShowOK(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowOK"); }
+  void ReleaseReconnect() noexcept override { reconnecting = false; }
 
   std::vector<ports::ErrorReport> reports;
   std::vector<std::string> calls;
+  bool reconnecting = false;  // an object of a reconnect is held
 };
 
 // A registry and a file system in memory. Values are keyed "HKEY_LOCAL_MACHINE\key:name".

@@ -1,5 +1,6 @@
 #include "component/session/connection_keeper.h"
 
+#include <chrono>
 #include <optional>
 
 #include "base/convert.h"
@@ -14,16 +15,22 @@ using ports::ConnectionState;
 
 constexpr const char* kNotKnown = "...";
 constexpr const char* kNotPresent = "A ligação ao servidor SQL não está presente.";
+constexpr const char* kNoAnswer = "O servidor SQL não respondeu dentro de 10 segundos.";
 constexpr int kHourglass = 11;
 constexpr int kNormal = 0;
 constexpr int kMinimised = 1;
 constexpr int kAttempts = 4;
-constexpr int kAttemptSeconds = 10;
+constexpr std::chrono::seconds kLongestOpen{10};
+
+ports::RowSet RunTest(Connection& connection) {
+  return connection.Query("SELECT @@TRANCOUNT as valor");
+}
 
 class Keeper {
  public:
-  Keeper(Session& session, const ConnectionCheck& check, Connection& connection)
-      : session_(session), check_(check), connection_(connection) {}
+  // Without a connection of the caller's own, the shared one is kept.
+  Keeper(Session& session, const ConnectionCheck& check, Connection* own)
+      : session_(session), check_(check), own_(own) {}
 
   std::string Check() {
     if (State() == ConnectionState::kConnecting) return {};
@@ -61,7 +68,7 @@ class Keeper {
 
   ConnectionState State() {
     ConnectionState state = ConnectionState::kClosed;
-    Try([&] { state = connection_.State(); });
+    Try([&] { state = Line().State(); });
     return state;
   }
 
@@ -69,34 +76,44 @@ class Keeper {
     if (State() != ConnectionState::kOpen) return false;
     error_.reset();
     Try([&] {
-      const ports::RowSet rows = connection_.Query("SELECT @@TRANCOUNT as valor");
+      const ports::RowSet rows = RunTest(Line());
       if (rows.empty() || rows.front()["valor"].is_null()) return;
       in_transaction = base::ToDouble(rows.front()["valor"], {}) > 0;
     });
     return !error_;
   }
 
+  // The connection that is kept. The shared one is asked for each time: a SQLConnect that the host calls during a wait
+  // puts another in its place, and the wait then ends with that.
+  Connection& Line() const { return own_ != nullptr ? *own_ : session_.SharedConnection(); }
+
   // One asynchronous open, waited for. False when the wait was cancelled.
   bool OpenAndWait() {
+    ports::Desktop& desktop = session_.ports().desktop;
     const std::string& current = session_.shared_connection_string;
-    if (IsShared() && !current.empty()) Try([&] { connection_.SetConnectionString(Unscramble(current)); });
+    if (own_ == nullptr && !current.empty()) Try([&] { Line().SetConnectionString(Unscramble(current)); });
     error_.reset();
-    Try([&] { connection_.OpenAsync(); });
+    const auto end = desktop.Now() + kLongestOpen;
+    Try([&] { Line().OpenAsync(); });
     session_.cancel_reconnect = false;
     while (State() == ConnectionState::kConnecting && !session_.cancel_reconnect) {
+      if (desktop.Now() >= end) {
+        // "Connect Timeout" in the connection string may have won over the property.
+        Try([&] { Line().Close(); });
+        error_ = base::Error(base::error_number::kDataAccess, kNoAnswer);
+        return true;
+      }
       // A host that is quitting ends the wait as the cancel does.
-      if (!session_.ports().desktop.PumpMessages()) session_.cancel_reconnect = true;
+      if (!desktop.PumpMessages()) session_.cancel_reconnect = true;
     }
     if (session_.cancel_reconnect) return false;
-    if (!error_) Try([&] { connection_.ThrowIfOpenFailed(); });
+    if (!error_) Try([&] { Line().ThrowIfOpenFailed(); });
     return true;
   }
 
-  bool IsShared() const { return &connection_ == &session_.SharedConnection(); }
-
   void Prepare() {
-    Try([&] { connection_.Close(); });
-    Try([&] { connection_.SetConnectionTimeout(kAttemptSeconds); });
+    Try([&] { Line().Close(); });
+    Try([&] { Line().SetConnectionTimeout(static_cast<int>(kLongestOpen.count())); });
   }
 
   // The other server of the session. With one server only, that one is tried again.
@@ -116,14 +133,20 @@ class Keeper {
     }
     if (!check_.silent) reporting.SQLReconnectShow(form);
     int timeout = 0;
-    Try([&] { timeout = connection_.ConnectionTimeout(); });
+    Try([&] { timeout = Line().ConnectionTimeout(); });
     Prepare();
-    if (!Attempt()) {
-      if (!check_.silent) reporting.SQLReconnectShutdown(form);
+    const Outcome outcome = Attempt();
+    if (outcome != Outcome::kEnded) {
+      if (!check_.silent) {
+        reporting.SQLReconnectShutdown(form);
+        reporting.ReleaseReconnect();
+      }
+      // Deliberately unlike the first wait: a silent check whose second wait is cancelled leaves the form minimised.
+      if (check_.minimise && (outcome == Outcome::kFirstWaitCancelled || !check_.silent)) RestoreForm();
       return false;
     }
     const std::optional<base::Error> last = error_;
-    Try([&] { connection_.SetConnectionTimeout(timeout); });
+    Try([&] { Line().SetConnectionTimeout(timeout); });
     if (!check_.silent) reporting.SQLReconnectShutdown(form);
     if (State() == ConnectionState::kOpen) {
       if (!check_.silent) reporting.SQLReconnectShowOK(form);
@@ -131,30 +154,28 @@ class Keeper {
       if (!check_.silent) reporting.SQLReconnectShowBad(form);
       result = last && !last->description().empty() ? last->description() : kNotPresent;
     }
-    if (!check_.silent) RestoreForm();
+    if (!check_.silent) {
+      reporting.ReleaseReconnect();
+      RestoreForm();
+    }
     return true;
   }
 
-  // Up to four attempts of two opens each. False when a wait was cancelled.
-  bool Attempt() {
+  enum class Outcome { kEnded, kFirstWaitCancelled, kSecondWaitCancelled };
+
+  // Up to four attempts of two opens each.
+  Outcome Attempt() {
     for (int attempt = 1; attempt <= kAttempts; ++attempt) {
-      if (State() == ConnectionState::kOpen) return true;
-      if (!OpenAndWait()) {
-        if (check_.minimise) RestoreForm();
-        return false;
-      }
-      if (!error_) return true;
+      if (State() == ConnectionState::kOpen) break;
+      if (!OpenAndWait()) return Outcome::kFirstWaitCancelled;
+      if (!error_) break;
       Prepare();
-      Try([&] { connection_.SetConnectionString(OtherConnectionString()); });
-      if (IsShared()) session_.shared_connection_string = Scramble(OtherConnectionString());
-      if (!OpenAndWait()) {
-        // Deliberately unlike the first wait: a silent check leaves the form minimised.
-        if (check_.minimise && !check_.silent) RestoreForm();
-        return false;
-      }
-      if (!error_) return true;
+      Try([&] { Line().SetConnectionString(OtherConnectionString()); });
+      if (own_ == nullptr) session_.shared_connection_string = Scramble(OtherConnectionString());
+      if (!OpenAndWait()) return Outcome::kSecondWaitCancelled;
+      if (!error_) break;
     }
-    return true;
+    return Outcome::kEnded;
   }
 
   void RestoreForm() {
@@ -165,7 +186,7 @@ class Keeper {
 
   Session& session_;
   const ConnectionCheck& check_;
-  Connection& connection_;
+  Connection* const own_;
   std::optional<base::Error> error_;
 };
 
@@ -173,8 +194,25 @@ class Keeper {
 
 std::string SQLConnectionCheck(Session& session, ConnectionCheck& check) {
   if (session.state().primary_connection_string.empty()) return kNotKnown;
-  if (check.connection == nullptr) check.connection = &session.SharedConnection();
-  return Keeper(session, check, *check.connection).Check();
+  const bool shared = check.connection == nullptr || check.connection == &session.SharedConnection();
+  std::string answer = Keeper(session, check, shared ? nullptr : check.connection).Check();
+  try {
+    if (shared) check.connection = &session.SharedConnection();
+  } catch (const base::Error&) {
+    check.connection = nullptr;  // it cannot even be created, as the answer says
+  }
+  return answer;
+}
+
+bool ConnectionAnswers(Session& session) {
+  try {
+    Connection& connection = session.SharedConnection();
+    if (connection.State() != ConnectionState::kOpen) return false;
+    RunTest(connection);
+    return true;
+  } catch (const base::Error&) {
+    return false;
+  }
 }
 
 void EnsureConnection(Session& session) {

@@ -21,7 +21,7 @@ class WorkingForm {
 
 struct ConnectionCheck {
   WorkingForm* form = nullptr;              // may be null
-  ports::Connection* connection = nullptr;  // null takes the shared connection, which is then stored here
+  ports::Connection* connection = nullptr;  // null takes the shared connection, which is stored here at the end
   bool transaction_shortcut = false;        // answer at once when a transaction is open
   bool reconnect = false;                   // try to reconnect when the connection is not usable
   bool silent = false;                      // leave the error-reporting object, and the form's state at the end, alone
@@ -30,12 +30,16 @@ struct ConnectionCheck {
 
 // Answers empty text when the connection is usable, or usable again; "..." when no master connection string is kept
 // (no SQLConnect has run) or the wait was cancelled; otherwise a text that says why it is not. Never reports, never
-// throws a data-access error.
+// throws a data-access error. Each open ends after 10 seconds by the desktop's clock, whatever the provider makes of
+// the timeout that it is given.
 std::string SQLConnectionCheck(Session& session, ConnectionCheck& check);
+
+// Whether statements run on the shared connection: the keeper's test, without its remedies.
+bool ConnectionAnswers(Session& session);
 
 // What routines of the component do before their queries: asks the keeper, lets it reconnect (never while a
 // transaction of ours is open: it would go on outside of it), and throws its text as an error when the shared
-// connection is not usable. A session opened by Login keeps no master string; it counts as usable while it is open.
+// connection is not usable. A session without a master string (Login) counts as usable while it is open.
 void EnsureConnection(Session& session);
 
 }  // namespace quenta::session

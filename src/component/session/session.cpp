@@ -1,10 +1,17 @@
 #include "component/session/session.h"
 
+#include <utility>
+
 namespace quenta::session {
 
 ports::Connection& Session::SharedConnection() {
   if (!shared_connection_) shared_connection_ = ports_.database.CreateConnection();
   return *shared_connection_;
+}
+
+void Session::ShareConnection(std::unique_ptr<ports::Connection> connection, std::string scrambled_string) noexcept {
+  shared_connection_ = std::move(connection);
+  shared_connection_string = std::move(scrambled_string);
 }
 
 void Session::ReleaseConnection() noexcept {

@@ -26,6 +26,8 @@ struct SessionState {
   std::string primary_connection_string;
   std::string secondary_connection_string;
   bool on_secondary = false;
+
+  bool operator==(const SessionState&) const = default;
 };
 
 class Session {
@@ -38,8 +40,12 @@ class Session {
   SessionState& state() noexcept { return state_; }
   const SessionState& state() const noexcept { return state_; }
 
-  // The shared connection, created closed on first use. Never closed by the component's operations.
+  // The shared connection, created closed on first use. Never closed by the component's operations, but SQLConnect and
+  // Login may put another in its place: whoever lets the host process messages asks for it anew afterwards.
   ports::Connection& SharedConnection();
+
+  // Makes an open connection the shared one, in place of what was; its whole connection string comes scrambled.
+  void ShareConnection(std::unique_ptr<ports::Connection> connection, std::string scrambled_string) noexcept;
 
   // Runs a statement on the shared connection.
   ports::RowSet Query(const std::string& sql) { return SharedConnection().Query(sql); }

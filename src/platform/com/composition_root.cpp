@@ -32,7 +32,7 @@ class ShippedComposition final : public Composition {
     // The forms first: what they have open in the database they roll back while there still is a connection.
     form_host_.CloseAll();
     session_.ReleaseConnection();
-    error_reporting_.Release();
+    error_reporting_.ReleaseReconnect();
   }
 
  private:

@@ -59,12 +59,15 @@ void AutomationErrorReporting::SQLReconnectShutdown(controls::Form* form) noexce
 
 void AutomationErrorReporting::SQLReconnectShowBad(controls::Form* form) noexcept {
   CallWithForm(L"SQLReconnectShowBad", form);
-  Release();
 }
 
 void AutomationErrorReporting::SQLReconnectShowOK(controls::Form* form) noexcept {
   CallWithForm(L"SQLReconnectShowOK", form);
-  Release();
+}
+
+void AutomationErrorReporting::ReleaseReconnect() noexcept {
+  // The object's own end may let messages through, too: it is not reached any more by then.
+  const ComPtr<IDispatch> ended = std::move(reconnecting_);
 }
 
 }  // namespace quenta::platform

@@ -22,15 +22,13 @@ class AutomationErrorReporting final : public ports::ErrorReporting {
   // A new reporting object for each report.
   void Report(const ports::ErrorReport& report) noexcept override;
 
-  // One reporting object from the start of a reconnect to its outcome. The form is handed over as an object with the
+  // One reporting object from the start of a reconnect to its end. The form is handed over as an object with the
   // properties hWnd and Caption, or as Nothing.
   void SQLReconnectShow(controls::Form* form) noexcept override;
   void SQLReconnectShutdown(controls::Form* form) noexcept override;
   void SQLReconnectShowBad(controls::Form* form) noexcept override;
   void SQLReconnectShowOK(controls::Form* form) noexcept override;
-
-  // Lets go of the object of a reconnect that had no outcome.
-  void Release() noexcept { reconnecting_.Reset(); }
+  void ReleaseReconnect() noexcept override;
 
  private:
   void CallWithForm(const wchar_t* method, controls::Form* form) noexcept;

@@ -84,18 +84,21 @@ TEST(ErrorReportingTest, ReportPassesFiveTextsInOrder) {
                                             "Login", "descrição"}));
 }
 
-TEST(ErrorReportingTest, ReconnectUsesOneObjectAndHandsOverTheForm) {
+TEST(ErrorReportingTest, ReconnectUsesOneObjectLetsItGoAndHandsOverTheForm) {
   const Apartment apartment;
   std::vector<std::string> seen;
   ComPtr<IDispatch> kept;
   const HWND window = GetDesktopWindow();
-  const ReportingClass reporting(ScriptObject::Make([&](const std::wstring& member, DISPPARAMS& parameters, VARIANT*) {
+  const auto object = ScriptObject::Make([&](const std::wstring& member, DISPPARAMS& parameters, VARIANT*) {
     seen.push_back(platform::FromWide(member.c_str()));
     EXPECT_EQ(parameters.cArgs, 1U);
     EXPECT_EQ(parameters.rgvarg[0].vt, VT_DISPATCH);
     if (parameters.rgvarg[0].pdispVal != nullptr) kept = ComPtr<IDispatch>(parameters.rgvarg[0].pdispVal);
     return E_FAIL;
-  }));
+  });
+  const auto references = [&] { return object->AddRef(), object->Release(); };
+  const ReportingClass reporting(object);
+  const ULONG before = references();
   AutomationErrorReporting adapter([&](controls::Form&) { return window; });
   FakeFormHost host;
   {
@@ -103,10 +106,13 @@ TEST(ErrorReportingTest, ReconnectUsesOneObjectAndHandsOverTheForm) {
     adapter.SQLReconnectShow(form.get());
     adapter.SQLReconnectShutdown(nullptr);
     adapter.SQLReconnectShowBad(form.get());
+    EXPECT_EQ(references(), before + 1);
+    adapter.ReleaseReconnect();
+    EXPECT_EQ(references(), before);
     adapter.SQLReconnectShowOK(form.get());
   }
   EXPECT_EQ(seen, (std::vector<std::string>{"SQLReconnectShow", "SQLReconnectShutdown", "SQLReconnectShowBad"}))
-      << "a reconnect has one outcome";
+      << "it has ended";
   EXPECT_EQ(reporting.factory->created, 1);
   ASSERT_TRUE(kept) << "the reporting object keeps the form longer than it lives";
   EXPECT_EQ(platform::FromBstr(platform::GetProperty(*kept.Get(), L"caption").Get().bstrVal), "Produto nº 7");

@@ -1,5 +1,6 @@
 #include "component/connecting.h"
 
+#include "component/session/connection_keeper.h"
 #include "component_fixture.h"
 
 namespace quenta::tests {
@@ -11,7 +12,17 @@ constexpr const char* kSharedOnFirst =
     "Provider=SQLOLEDB.1;Persist Security Info=False;User ID=suite;Password=s3creta;Encrypt=yes;"
     "Initial Catalog=Comercial;Data Source=sql1;Connect Timeout=15";
 
-using SQLConnectTest = ComponentTest;
+constexpr const char* kNotPresent = "A ligação ao servidor SQL não está presente.";
+
+class SQLConnectTest : public ComponentTest {
+ protected:
+  // Every line goes on saying that it is open, and answers nothing.
+  void LetLinesDie() {
+    database.on_query = [](const std::string&) -> ports::RowSet {
+      throw base::Error(-2147467259, "Communication link");
+    };
+  }
+};
 
 struct RaceCase {
   const char* name;
@@ -68,38 +79,55 @@ TEST_F(SQLConnectTest, AFailedAttemptLeavesTheSessionAsItWas) {
   component::SQLConnectArguments arguments = Arguments();
   arguments.oFlags = 1;
   ASSERT_TRUE(General(component).SQLConnect(arguments));
-  session.SharedConnection().Close();
-  const std::string before = session.state().primary_connection_string;
+  const session::SessionState before = session.state();
+  ports::Connection* const line = &session.SharedConnection();
+  LetLinesDie();
 
-  arguments.Password = session::Scramble("errada");
   arguments.oFlags = 0;
   arguments.cnInitialCatalog = "Outra";
-  EXPECT_FALSE(General(component).SQLConnect(arguments));
-  EXPECT_EQ(session.state().application_key, "Sarvat");
-  EXPECT_EQ(session.state().initial_catalog, "Comercial");
-  EXPECT_EQ(session.state().primary_connection_string, before);
-  EXPECT_EQ(session.state().session_password, session::Scramble("ana1"));
-
-  arguments.Password = session::Scramble("ana1");
-  arguments.oFlags = 2;
-  EXPECT_TRUE(General(component).SQLConnect(arguments));
-  EXPECT_EQ(session.state().application_key, "Sarvat") << "other flags keep the application key";
-}
-
-TEST_F(SQLConnectTest, AnErrorOfTheSharedConnectionIsReportedUnderTheLabelsKeptForIt) {
-  database.users.erase("suite");
-  database.users["suite"] = "s3creta";
-  int opens = 0;
-  database.servers["sql2"].answers = false;
-  desktop.while_pumping = [&] {
-    // The server lets the race and the user's test in, then locks the component's own user out.
-    if (++opens == 2) database.users["suite"] = "mudada";
-  };
-  EXPECT_FALSE(General(component).SQLConnect(Arguments()));
-  ASSERT_EQ(reporting.reports.size(), 1U);
+  const struct {
+    const char* fails;
+    const char* user;
+    int at_wait;
+  } cases[] = {{"the race", "suite", 0}, {"the user's own open", "ana", 0}, {"the last open", "suite", 2}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.fails);
+    reporting.reports.clear();
+    database.users = {{"suite", "s3creta"}, {"ana", "ana1"}};
+    int waits = 0;
+    // The server locks the user out at that moment.
+    if (c.at_wait == 0) database.users.erase(c.user);
+    desktop.while_pumping = [&] {
+      if (++waits == c.at_wait) database.users.erase(c.user);
+    };
+    EXPECT_FALSE(General(component).SQLConnect(arguments));
+    EXPECT_EQ(session.state(), before);
+    EXPECT_EQ(session.shared_connection_string, before.primary_connection_string);
+    EXPECT_EQ(&session.SharedConnection(), line);
+    EXPECT_EQ(line->State(), ports::ConnectionState::kOpen) << "so it says";
+  }
+  ASSERT_EQ(reporting.reports.size(), 1U) << "only the last open was not to fail";
   EXPECT_EQ(reporting.reports[0],
             (ports::ErrorReport{"Quenta Software", "Quenta Software", "SQLConnect", "SQLConnect", "Cannot connect."}));
-  EXPECT_FALSE(session.state().connected);
+
+  database.users["suite"] = "s3creta";
+  desktop.while_pumping = nullptr;
+  EXPECT_NO_THROW(session::EnsureConnection(session));
+  EXPECT_NE(database.opened.back().find("Catalog=Comercial"), std::string::npos) << "the keeper goes back";
+}
+
+TEST_F(SQLConnectTest, ADeadLineIsOpenedAnew) {
+  component::SQLConnectArguments arguments = Arguments();
+  arguments.oFlags = 1;
+  ASSERT_TRUE(General(component).SQLConnect(arguments));
+  LetLinesDie();
+  arguments.oFlags = 2;
+  arguments.cnInitialCatalog = "Outra";
+  EXPECT_TRUE(General(component).SQLConnect(arguments));
+  EXPECT_EQ(session.state().initial_catalog, "Outra");
+  EXPECT_EQ(session.state().application_key, "Sarvat") << "other flags keep the application key";
+  EXPECT_EQ(database.opened.size(), 8U) << "two races, two tests of the user, two shared connections";
+  EXPECT_EQ(database.open_connections, 1);
 }
 
 TEST_F(SQLConnectTest, TheWaitEndsWithTheHostAndRefusesToBeEnteredAgain) {
@@ -115,7 +143,7 @@ TEST_F(SQLConnectTest, TheWaitEndsWithTheHostAndRefusesToBeEnteredAgain) {
   EXPECT_EQ(database.open_connections, 0);
 }
 
-class LoginTest : public ComponentTest {
+class LoginTest : public SQLConnectTest {
  protected:
   LoginTest() {
     settings.registry = {{R"(SOFTWARE\Ambrell\Shared\OUT:DataServer)", "Contabilidade"},
@@ -136,6 +164,37 @@ TEST_F(LoginTest, TakesItsSettingsFromTheRegistryAndKeepsNoMasterString) {
   EXPECT_EQ(session.state().session_user, "ana");
   EXPECT_EQ(session.state().primary_connection_string, "");
   EXPECT_EQ(database.open_connections, 1);
+}
+
+TEST_F(LoginTest, AfterSQLConnectOpensADeadLineAnewAndKeepsTheMasterStringOfTheSameDatabase) {
+  const struct {
+    const char* server;
+    const char* catalogue;
+    bool kept;
+  } cases[] = {{"sql1", "Comercial", true}, {"sql2", "Comercial", false}, {"sql1", "Outra", false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.server) + ", " + c.catalogue);
+    session.ReleaseConnection();
+    database.on_query = [](const std::string&) { return ports::RowSet(); };
+    component::SQLConnectArguments arguments = Arguments();
+    arguments.cnDataSource = c.server;
+    arguments.cnInitialCatalog = c.catalogue;
+    ASSERT_TRUE(General(component).SQLConnect(arguments));
+    const std::string master = session.state().primary_connection_string;
+    const std::size_t opens = database.opened.size();
+    EXPECT_TRUE(General(component).Login("ana", "not needed")) << "open already";
+    EXPECT_EQ(database.opened.size(), opens);
+
+    LetLinesDie();
+    EXPECT_FALSE(General(component).Login("ana", session::Scramble("errada")));
+    EXPECT_EQ(session.state().primary_connection_string, master);
+    EXPECT_TRUE(General(component).Login("ana", session::Scramble("ana1")));
+    EXPECT_EQ(session.state().primary_connection_string, c.kept ? master : "");
+    EXPECT_EQ(database.opened.size(), opens + 3) << "twice the user's own, once the shared one";
+    EXPECT_EQ(database.open_connections, 1);
+    session::ConnectionCheck check;
+    EXPECT_EQ(session::SQLConnectionCheck(session, check), c.kept ? kNotPresent : "...") << "the fake stays dead";
+  }
 }
 
 TEST_F(LoginTest, AMissingSettingOrWrongCredentialsGiveFalseWithoutAReport) {

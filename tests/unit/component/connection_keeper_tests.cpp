@@ -7,6 +7,7 @@ namespace quenta::tests {
 namespace {
 
 using session::ConnectionCheck;
+using Calls = std::vector<std::string>;
 
 constexpr const char* kNotPresent = "A ligação ao servidor SQL não está presente.";
 
@@ -15,6 +16,7 @@ class KeeperTest : public ComponentTest {
   void SetUp() override {
     ASSERT_TRUE(component::General(component).SQLConnect(Arguments()));
     database.opened.clear();
+    form.calls = &reporting.calls;
   }
   std::string Check(ConnectionCheck check) { return session::SQLConnectionCheck(session, check); }
   void DropLine() { session.SharedConnection().Close(); }
@@ -33,7 +35,7 @@ class KeeperTest : public ComponentTest {
 TEST_F(KeeperTest, AUsableConnectionAnswersNothingAndRestoresThePointer) {
   EXPECT_EQ(Check({.form = &form}), "");
   EXPECT_EQ(form.pointer, 5);
-  EXPECT_TRUE(form.states.empty());
+  EXPECT_TRUE(reporting.calls.empty());
 }
 
 TEST_F(KeeperTest, TheTransactionShortcutLeavesTheHourglass) {
@@ -66,9 +68,9 @@ TEST_F(KeeperTest, AStatementThatFailsCountsAsADroppedLineThoughTheStateSaysOpen
 TEST_F(KeeperTest, ReconnectsShowingWhatHappens) {
   DropLine();
   EXPECT_EQ(Check({.form = &form, .reconnect = true, .minimise = true}), "");
-  EXPECT_EQ(reporting.calls,
-            (std::vector<std::string>{"SQLReconnectShow", "SQLReconnectShutdown", "SQLReconnectShowOK"}));
-  EXPECT_EQ(form.states, (std::vector<int>{1, 0}));
+  EXPECT_EQ(reporting.calls, (Calls{"refresh", "minimised", "SQLReconnectShow", "SQLReconnectShutdown",
+                                    "SQLReconnectShowOK", "normal", "refresh"}));
+  EXPECT_FALSE(reporting.reconnecting) << "its object is let go";
   EXPECT_EQ(session.SharedConnection().ConnectionTimeout(), 15) << "the timeout is restored";
 }
 
@@ -87,9 +89,44 @@ TEST_F(KeeperTest, GivesUpAfterFourAttemptsOfTwoOpens) {
   DropLine();
   EXPECT_EQ(Check({.form = &form, .reconnect = true, .minimise = true}), "Cannot connect.");
   EXPECT_EQ(database.opened.size(), 8U);
-  EXPECT_EQ(reporting.calls.back(), "SQLReconnectShowBad");
-  EXPECT_EQ(form.states, (std::vector<int>{1, 0}));
+  EXPECT_EQ(reporting.calls, (Calls{"refresh", "minimised", "SQLReconnectShow", "SQLReconnectShutdown",
+                                    "SQLReconnectShowBad", "normal", "refresh"}));
+  EXPECT_FALSE(reporting.reconnecting);
   EXPECT_EQ(form.pointer, 5);
+}
+
+TEST_F(KeeperTest, AServerThatNeverAnswersIsGivenUpByOurOwnClock) {
+  database.servers["sql1"].steps_to_answer = 1000000;
+  desktop.while_pumping = [&] { desktop.skipped += std::chrono::seconds(1); };
+  DropLine();
+  EXPECT_EQ(Check({.reconnect = true}), "");
+  EXPECT_EQ(ServersTried(), (std::vector<std::string>{"sql1", "sql2"}));
+  EXPECT_EQ(desktop.skipped, std::chrono::seconds(11)) << "ten for the first, one for the second";
+
+  database.servers["sql2"].steps_to_answer = 1000000;
+  database.opened.clear();
+  desktop.skipped = {};
+  DropLine();
+  EXPECT_EQ(Check({.reconnect = true}), "O servidor SQL não respondeu dentro de 10 segundos.");
+  EXPECT_EQ(database.opened.size(), 8U);
+  EXPECT_EQ(desktop.skipped, std::chrono::seconds(80));
+  EXPECT_EQ(session.SharedConnection().State(), ports::ConnectionState::kClosed);
+}
+
+TEST_F(KeeperTest, AWaitEndsWithTheConnectionThatTheHostOpensMeanwhile) {
+  database.servers["sql1"].steps_to_answer = 1000000;
+  bool connected = false;
+  desktop.pumps = 0;
+  desktop.while_pumping = [&] {
+    if (desktop.pumps == 5) connected = component::General(component).SQLConnect(Arguments());
+  };
+  DropLine();
+  ConnectionCheck check{.reconnect = true};
+  EXPECT_EQ(session::SQLConnectionCheck(session, check), "");
+  EXPECT_TRUE(connected);
+  EXPECT_EQ(check.connection, &session.SharedConnection());
+  EXPECT_EQ(check.connection->State(), ports::ConnectionState::kOpen);
+  EXPECT_EQ(database.open_connections, 1);
 }
 
 TEST_F(KeeperTest, ASessionWithOneServerTriesThatOneAgain) {
@@ -104,13 +141,16 @@ TEST_F(KeeperTest, ACancelledWaitEndsAtOnce) {
   const struct {
     bool silent;
     bool on_second_wait;
-    std::vector<int> states;
-  } cases[] = {{false, false, {1, 0}}, {true, false, {1, 0}}, {false, true, {1, 0}}, {true, true, {1}}};
+    Calls calls;
+  } cases[] = {
+      {false, false, {"refresh", "minimised", "SQLReconnectShow", "SQLReconnectShutdown", "normal", "refresh"}},
+      {true, false, {"refresh", "minimised", "normal", "refresh"}},
+      {false, true, {"refresh", "minimised", "SQLReconnectShow", "SQLReconnectShutdown", "normal", "refresh"}},
+      {true, true, {"refresh", "minimised"}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.silent ? "silent" : "shown") + (c.on_second_wait ? ", second wait" : ", first wait"));
     database.servers["sql1"] = c.on_second_wait ? FakeServer{0, false} : FakeServer{1000, true};
     database.servers["sql2"] = FakeServer{1000, true};
-    form.states.clear();
     form.pointer = 5;
     reporting.calls.clear();
     desktop.while_pumping = [&] { session.cancel_reconnect = true; };
@@ -118,9 +158,8 @@ TEST_F(KeeperTest, ACancelledWaitEndsAtOnce) {
     DropLine();
     EXPECT_EQ(Check({.form = &form, .reconnect = true, .silent = c.silent, .minimise = true}), "...");
     EXPECT_EQ(form.pointer, 11) << "deliberately left";
-    EXPECT_EQ(form.states, c.states);
-    EXPECT_EQ(reporting.calls, c.silent ? std::vector<std::string>{}
-                                        : (std::vector<std::string>{"SQLReconnectShow", "SQLReconnectShutdown"}));
+    EXPECT_EQ(reporting.calls, c.calls);
+    EXPECT_FALSE(reporting.reconnecting) << "its object is let go";
   }
 }
 
@@ -136,6 +175,7 @@ TEST_F(KeeperTest, NeverReconnectsUnderATransactionOfOurs) {
   session.transaction_held = true;
   DropLine();
   EXPECT_THROW(session::EnsureConnection(session), base::Error);
+  EXPECT_FALSE(component::General(component).SQLConnect(Arguments())) << "nor is another connection opened";
   EXPECT_TRUE(database.opened.empty());
 }
 
