@@ -49,8 +49,8 @@ FACES = {
     },
 }
 
-# Of the folders that use the controls, this one has a single file that may.
-ONLY_FILE = {("data", "controls"): "data/control_fill"}
+# Of the folders that use the controls, this one has few files that may.
+ONLY_FILES = {("data", "controls"): ("data/control_fill", "data/ensure_connection")}
 
 # Folders that may include the headers of the system; the others compile on any, with the standard library alone.
 KNOW_THE_SYSTEM = ("platform/", "sandbox/", "tests/", "bench/")
@@ -97,9 +97,9 @@ def fault_of(path, quoted, angled):
         return None
     if there not in MAY_INCLUDE[here]:
         return f"{here} must not include {there}"
-    only = ONLY_FILE.get((here, there))
-    if only is not None and not path.startswith(only + "."):
-        return f"of {here}, only {only} may include {there}"
+    only = ONLY_FILES.get((here, there))
+    if only is not None and path.rpartition(".")[0] not in only:
+        return f"of {here}, only {' and '.join(only)} may include {there}"
     return None
 
 

@@ -94,7 +94,7 @@ void General::New(const ports::ProductRequest& request) {
                                 nullptr);
     return;
   }
-  if (!data::CheckSecurityPolicy(session, session.state().session_user, "#2282")) {
+  if (!data::CheckSecurityPolicy(session, session.state().session_user, "#2282", nullptr)) {
     session.ports().desktop.Ask({.text = "Não tem permissões para criar novos produtos. Contacte o administrador de "
                                          "segurança para que lhe sejam atribuídas as permissões necessárias.",
                                  .title = "Politicas de Segurança",

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "base/convert.h"
-#include "component/session/connection_keeper.h"
 #include "component/session/guarded.h"
+#include "data/ensure_connection.h"
 
 namespace quenta::data {
 namespace {
@@ -36,8 +36,8 @@ class Conditions {
   std::string text_;
 };
 
-std::vector<std::string> LoadPolicies(session::Session& session, const std::string& user_name) {
-  const std::string condition = ReadPermitionsDef(session, user_name, "users_groups", false);
+std::vector<std::string> LoadPolicies(session::Session& session, const std::string& user_name, controls::Form* form) {
+  const std::string condition = ReadPermitionsDef(session, user_name, "users_groups", false, form);
   if (condition.empty()) return {};
   std::vector<std::string> codes;
   for (const ports::Row row : session.Query("SELECT tbSecurityPolicies.code FROM tbSecurityPolicies WHERE 0 = 0 "
@@ -50,20 +50,21 @@ std::vector<std::string> LoadPolicies(session::Session& session, const std::stri
 
 }  // namespace
 
-bool CheckSecurityPolicy(session::Session& session, const std::string& user_name, const std::string& policy_code) {
+bool CheckSecurityPolicy(session::Session& session, const std::string& user_name, const std::string& policy_code,
+                         controls::Form* form) {
   return session::Guarded(session.ports().error_reporting, kLabels, "CheckSecurityPolicy", [&] {
     if (user_name.empty()) return false;
-    session::EnsureConnection(session);
+    EnsureConnection(session, form);
     std::vector<std::string>& held = session.policies[user_name];
-    if (held.empty()) held = LoadPolicies(session, user_name);
+    if (held.empty()) held = LoadPolicies(session, user_name, form);
     return std::find(held.begin(), held.end(), policy_code) != held.end();
   });
 }
 
 std::string ReadPermitionsDef(session::Session& session, const std::string& user_name, const std::string& column,
-                              bool exclusion) {
+                              bool exclusion, controls::Form* form) {
   return session::Guarded(session.ports().error_reporting, kLabels, "ReadPermitionsDef", [&]() -> std::string {
-    session::EnsureConnection(session);
+    EnsureConnection(session, form);
     const ports::RowSet rows = session.Query(
         "SELECT tbGroups.code, tbUsers.code as user_code FROM tbGroups_Users_Links LEFT OUTER JOIN tbGroups ON "
         "tbGroups_Users_Links.group_id = tbGroups.group_id LEFT JOIN tbUsers ON tbGroups_Users_Links.user_id = "

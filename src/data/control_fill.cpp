@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "base/convert.h"
-#include "component/session/connection_keeper.h"
 #include "component/session/guarded.h"
+#include "data/ensure_connection.h"
 
 namespace quenta::data {
 namespace {
@@ -24,10 +24,10 @@ std::size_t ExactColumn(const ports::RowSet& rows, const std::string& name) {
 
 }  // namespace
 
-bool ControlFill(session::Session& session, controls::ComboBox& control, const std::string& sql,
+bool ControlFill(session::Session& session, controls::Form& form, controls::ComboBox& control, const std::string& sql,
                  const std::string& text_column, const std::string& id_column) {
   return session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
-    session::EnsureConnection(session);
+    EnsureConnection(session, &form);
     ports::RowSet rows = session.Query(sql);
     if (rows.empty()) return true;
     const std::size_t text_at = ExactColumn(rows, text_column);

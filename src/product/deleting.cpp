@@ -77,7 +77,7 @@ void GuardedWithRollback(session::Session& session, const session::Labels& label
 }  // namespace
 
 bool MayDeleteProducts(session::Session& session, controls::Form& over) {
-  if (data::CheckSecurityPolicy(session, session.state().session_user, "#2280")) return true;
+  if (data::CheckSecurityPolicy(session, session.state().session_user, "#2280", &over)) return true;
   session.ports().desktop.Ask({.text = "Não tem permissões para apagar produtos. Contacte o administrador de segurança "
                                        "para que lhe sejam atribuídas as permissões necessárias.",
                                .title = "Politicas de Segurança",

@@ -99,7 +99,7 @@ void frmMain::Duplicar() {
                                .buttons = Buttons::kYesNo,
                                .system_modal = true});
     if (answer != Answer::kYes) return;
-    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2282")) {
+    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2282", this)) {
       Tell({.text = "Não tem permissões para criar novos produtos. Contacte o administrador de segurança para que lhe "
                     "sejam atribuídas as permissões necessárias.",
             .title = "Politicas de Segurança",

@@ -109,7 +109,7 @@ void frmStocks::ShowRecord() {
 void frmStocks::Command1_Click() {
   Guarded("Command1_Click", [&] {
     if (!Command1.enabled()) return;
-    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281")) {
+    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281", this)) {
       session_.ports().desktop.Ask(
           {.text =
                "Não tem permissões para efectuar alterações nos produtos. Contacte o administrador de segurança para "

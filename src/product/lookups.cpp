@@ -10,7 +10,7 @@ namespace quenta::product {
 bool frmMain::FillLookups() {
   bool complete = true;
   const auto fill = [&](controls::ComboBox& box, const char* sql, const char* text_column, const char* id_column) {
-    complete = data::ControlFill(session_, box, sql, text_column, id_column) && complete;
+    complete = data::ControlFill(session_, *this, box, sql, text_column, id_column) && complete;
   };
   fill(FXTipo_ID, "SELECT * FROM tbProdutos_Tipos ORDER BY tipo_id", "descrit", "tipo_id");
   FXTipo_ID_Click();

@@ -32,7 +32,7 @@ std::string Assignments(const std::vector<std::pair<const char*, std::string>>& 
 
 bool frmMain::Gravar() {
   return Guarded("Gravar", [&] {
-    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281")) {
+    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281", this)) {
       Tell({.text =
                 "Não tem permissões para efectuar alterações nos produtos. Contacte o administrador de segurança para "
                 "que lhe sejam atribuídas as permissões necessárias.",

@@ -14,8 +14,8 @@ void frmMain::FillIsencaoIVA() {
     // A rate that is not in the table counts as exempt.
     const bool exempt = rates.empty() || !base::IsNonZero(rates.front()["tx"]);
     if (exempt) {
-      data::ControlFill(session_, FXIVA_Descrit, "SELECT * FROM tbTaxas_IVA_Insencoes ORDER BY descrit", "descrit",
-                        "isencao_id");
+      data::ControlFill(session_, *this, FXIVA_Descrit, "SELECT * FROM tbTaxas_IVA_Insencoes ORDER BY descrit",
+                        "descrit", "isencao_id");
     } else {
       Set(FXIVA_Descrit, base::Value::Null());
       SetInLine(price_position::kIvaDescrit, "");

@@ -37,9 +37,10 @@ class Fallible {
 class FakeErrorReporting final : public ports::ErrorReporting {
  public:
   void Report(const ports::ErrorReport& report) noexcept override { reports.push_back(report); }
-  void SQLReconnectShow(controls::Form*) noexcept override {
+  void SQLReconnectShow(controls::Form* form) noexcept override {
     calls.push_back("SQLReconnectShow");
     reconnecting = true;
+    shown_over = form;
   }
   void SQLReconnectShutdown(controls::Form*) noexcept override { calls.push_back("SQLReconnectShutdown"); }
   void SQLReconnectShowBad(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowBad"); }
@@ -48,7 +49,8 @@ class FakeErrorReporting final : public ports::ErrorReporting {
 
   std::vector<ports::ErrorReport> reports;
   std::vector<std::string> calls;
-  bool reconnecting = false;  // an object of a reconnect is held
+  bool reconnecting = false;             // an object of a reconnect is held
+  controls::Form* shown_over = nullptr;  // what the last reconnect was shown with
 };
 
 // A registry and a file system in memory. Values are keyed "HKEY_LOCAL_MACHINE\key:name".

@@ -215,9 +215,9 @@ bool ConnectionAnswers(Session& session) {
   }
 }
 
-void EnsureConnection(Session& session) {
+void EnsureConnection(Session& session, WorkingForm* form) {
   ConnectionCheck check;
-  check.transaction_shortcut = true;
+  check.form = form;
   check.reconnect = !session.transaction_held;
   const std::string answer = SQLConnectionCheck(session, check);
   if (answer.empty()) return;

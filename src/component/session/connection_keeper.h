@@ -39,7 +39,8 @@ bool ConnectionAnswers(Session& session);
 
 // What routines of the component do before their queries: asks the keeper, lets it reconnect (never while a
 // transaction of ours is open: it would go on outside of it), and throws its text as an error when the shared
-// connection is not usable. A session without a master string (Login) counts as usable while it is open.
-void EnsureConnection(Session& session);
+// connection is not usable. A session without a master string (Login) counts as usable while it is open. The form whose
+// work it is (null for none) shows the hourglass meanwhile, and the reconnect is shown over it.
+void EnsureConnection(Session& session, WorkingForm* form);
 
 }  // namespace quenta::session

@@ -112,7 +112,7 @@ TEST_F(SQLConnectTest, AFailedAttemptLeavesTheSessionAsItWas) {
 
   database.users["suite"] = "s3creta";
   desktop.while_pumping = nullptr;
-  EXPECT_NO_THROW(session::EnsureConnection(session));
+  EXPECT_NO_THROW(session::EnsureConnection(session, nullptr));
   EXPECT_NE(database.opened.back().find("Catalog=Comercial"), std::string::npos) << "the keeper goes back";
 }
 

@@ -166,15 +166,15 @@ TEST_F(KeeperTest, ACancelledWaitEndsAtOnce) {
 TEST_F(KeeperTest, WithoutAMasterStringItAnswersThreePointsAndCallersGoOnWhileOpen) {
   session.state().primary_connection_string.clear();
   EXPECT_EQ(Check({.reconnect = true}), "...");
-  EXPECT_NO_THROW(session::EnsureConnection(session)) << "after Login";
+  EXPECT_NO_THROW(session::EnsureConnection(session, nullptr)) << "after Login";
   DropLine();
-  EXPECT_THROW(session::EnsureConnection(session), base::Error);
+  EXPECT_THROW(session::EnsureConnection(session, nullptr), base::Error);
 }
 
 TEST_F(KeeperTest, NeverReconnectsUnderATransactionOfOurs) {
   session.transaction_held = true;
   DropLine();
-  EXPECT_THROW(session::EnsureConnection(session), base::Error);
+  EXPECT_THROW(session::EnsureConnection(session, nullptr), base::Error);
   EXPECT_FALSE(component::General(component).SQLConnect(Arguments())) << "nor is another connection opened";
   EXPECT_TRUE(database.opened.empty());
 }

@@ -2,6 +2,7 @@
 #include <stdlib.h>
 
 #include <fstream>
+#include <set>
 
 #include "component/session/connection_keeper.h"
 #include "component/session/scrambler.h"
@@ -82,6 +83,21 @@ TEST_F(BadServerTest, TheOtherServerTakesOver) {
   EXPECT_EQ(Check(), "");
   EXPECT_NE(Server().find("Data Source=" + sample_.other_source()), std::string::npos) << Server();
   EXPECT_EQ(reporting.calls.back(), "SQLReconnectShowOK");
+}
+
+TEST_F(BadServerTest, TheFormWhoseQueryWaitsShowsTheHourglassAndTheReconnectIsShownOverIt) {
+  const auto form = OpenForm(IdOfCode("10300"));
+  form->FXNome.Typed("Depois da falha");
+  LetLineDie();
+  Servers("slow 100", "slow 100");
+  std::set<controls::MousePointer> pointers;
+  desktop.while_pumping = [&] { pointers.insert(form->mouse_pointer()); };
+  EXPECT_TRUE(form->Gravar());
+  EXPECT_EQ(pointers, std::set{controls::MousePointer::kHourglass});
+  EXPECT_EQ(form->mouse_pointer(), controls::MousePointer::kDefault);
+  EXPECT_EQ(reporting.shown_over, form.get());
+  EXPECT_EQ(reporting.calls.back(), "SQLReconnectShowOK");
+  desktop.while_pumping = nullptr;
 }
 
 TEST_F(BadServerTest, WhileNobodyAnswersItSaysWhyAndWorksAgainOnceSomebodyDoes) {

@@ -171,7 +171,7 @@ const Operation kOperations[] = {
          }},
     {.name = "permission",
      .product = Product::kNone,
-     .act = [](Scene& s) { return data::CheckSecurityPolicy(s.session, "ana", "#2281"); }},
+     .act = [](Scene& s) { return data::CheckSecurityPolicy(s.session, "ana", "#2281", nullptr); }},
     {.name = "minimums", .product = Product::kStocked, .act = &SaveMinimums},
     {.name = "duplicate",
      .product = Product::kMain,
@@ -338,7 +338,7 @@ class Sweep : public Scene, public ::testing::WithParamInterface<Operation> {
       if (way.fault != Fault::kAllNull) ExpectNothingIsLostBySaving(operation);
       if (done) continue;
       // Whatever the user does first that fills a list or asks for a permission restores the line.
-      if (!operation.answers_host) session::EnsureConnection(session);
+      if (!operation.answers_host) session::EnsureConnection(session, nullptr);
       if (operation.product == Product::kNone) CloseForms();
       EXPECT_TRUE(Run(operation, way.fault, -1)) << "the next try: " << Reported();
       EXPECT_TRUE(saved_already || CountWrites() == writes) << "the next try saves something else";

@@ -161,7 +161,7 @@ TEST_F(DeletingTest, AFailureAtEachStatementLeavesTheProductWholeAndTheNextTrySu
   Sql("UPDATE tbProdutos SET obs = 'notas' WHERE codigo = '10000'");
   const auto form = OpenForm(IdOfCode("10000"));
   const std::string before = StateOf(form->ProdutoId());
-  data::CheckSecurityPolicy(session, "ana", "#2280");
+  data::CheckSecurityPolicy(session, "ana", "#2280", nullptr);
   // The first statement only tries the connection, and mends it when it fails.
   int failures = 0;
   for (int i = 1; form->loaded(); ++i) {
@@ -195,7 +195,7 @@ TEST_F(DeletingTest, TheHostsTransactionIsCommittedWithItAndRolledBackWithIt) {
   const auto notes = [&] { return SqlText("SELECT obs FROM tbProdutos WHERE produto_id = 900"); };
   const auto form = OpenForm(IdOfCode("10000"));
   const std::string before = StateOf(form->ProdutoId());
-  data::CheckSecurityPolicy(session, "ana", "#2280");
+  data::CheckSecurityPolicy(session, "ana", "#2280", nullptr);
   begin();
   database.fail_at = 10;  // of the deletes, the third
   form->Apagar();

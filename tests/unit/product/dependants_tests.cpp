@@ -99,7 +99,7 @@ TEST_F(DependantsTest, OnlyAMainProductOpensTheGenerator) {
 TEST_F(DependantsTest, RemovingDeletesTheSelectedOneSoftly) {
   const auto form = OpenWithDependants("10300");
   const std::string id = IdOf("10300-CS-42");
-  data::CheckSecurityPolicy(session, "ana", "#2280");
+  data::CheckSecurityPolicy(session, "ana", "#2280", nullptr);
   const int count = form->ListView3.Count();
   Select(*form, "#" + id);
   database.Forget();
@@ -160,7 +160,7 @@ TEST_F(DependantsTest, AFailureAtEachStatementRemovesNothing) {
   const std::string id = IdOf("10300-CS-42");
   const std::string before = StateOf(id);
   const int count = form->ListView3.Count();
-  data::CheckSecurityPolicy(session, "ana", "#2280");
+  data::CheckSecurityPolicy(session, "ana", "#2280", nullptr);
   Select(*form, "#" + id);
   // The first statement only tries the connection, and mends it when it fails.
   int failures = 0;
@@ -186,7 +186,7 @@ TEST_F(DependantsTest, AFailureAtEachStatementRemovesNothing) {
 
 TEST_F(DependantsTest, AHostsTransactionIsCommittedButNeverRolledBack) {
   const auto form = OpenWithDependants("10300");
-  data::CheckSecurityPolicy(session, "ana", "#2280");
+  data::CheckSecurityPolicy(session, "ana", "#2280", nullptr);
   Select(*form, "#" + IdOf("10300-CS-42"));
   session.SharedConnection().BeginTransaction();
   session.Execute("UPDATE tbProdutos SET obs = 'do anfitrião' WHERE produto_id = 900");

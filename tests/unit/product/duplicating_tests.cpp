@@ -234,7 +234,7 @@ TEST_F(DuplicatingTest, AFailureAtEachStatementKeepsTheProductShownAndNamesTheHa
   const auto form = OpenForm(IdOfCode("10001"));
   const std::int32_t source = form->ProdutoId();
   const std::string codigo = form->FXCodigo.text();
-  data::CheckSecurityPolicy(session, "ana", "#2282");
+  data::CheckSecurityPolicy(session, "ana", "#2282", nullptr);
   // The first statement only tries the connection, and mends it when it fails.
   int failures = 0;
   for (int i = 1;; ++i) {
