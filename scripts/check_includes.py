@@ -22,7 +22,7 @@ MAY_INCLUDE = {
     "component/session": {"base", "ports"},
     "data": {"base", "ports", "component/session", "controls"},
     "component": {"base", "ports", "component/session", "data"},
-    "hosting": {"base", "ports", "controls"},
+    "hosting": {"base", "ports", "component/session", "controls"},
     "product": BELOW_PRODUCT,
     "generator": BELOW_PRODUCT | {"product"},
     "platform/automation": {"base"},

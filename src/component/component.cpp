@@ -14,20 +14,29 @@ void Component::WhenNotBusy(std::function<void()> request) {
     request();
     return;
   }
+  if (requests_.empty()) form_host_.StartTimer(*this, kRetryInterval);
   requests_.push_back(std::move(request));
-  if (requests_.size() == 1) form_host_.StartTimer(*this, kRetryInterval);
 }
 
 void Component::DropRequests() noexcept {
-  if (!requests_.empty()) form_host_.StopTimer(*this);
-  requests_.clear();
+  form_host_.StopTimer(*this);
+  // They go last: with them may go the objects of the host that they hold.
+  const auto dropped = std::exchange(requests_, {});
 }
 
-// A request that keeps the forms busy in turn makes those after it wait on.
+// One after the other: while one runs, the timer comes again. One that keeps the forms busy in turn makes those after
+// it wait on. The timer is the one that runs already, as another might not be had.
 void Component::OnTimer() noexcept {
-  if (product_forms_.Busy()) return;
-  form_host_.StopTimer(*this);
-  for (auto& request : std::exchange(requests_, {})) WhenNotBusy(std::move(request));
+  if (running_) return;
+  running_ = true;
+  // Kept to the end: with the last request may go the General that keeps this object.
+  std::list<std::function<void()>> done;
+  while (!requests_.empty() && !product_forms_.Busy()) {
+    done.splice(done.end(), requests_, requests_.begin());
+    done.back()();
+  }
+  running_ = false;
+  if (requests_.empty()) form_host_.StopTimer(*this);
 }
 
 }  // namespace quenta::component

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <functional>
-#include <vector>
+#include <list>
 
 #include "component/session/session.h"
 #include "ports/form_host.h"
@@ -22,7 +22,9 @@ class Component final : private ports::TimerTarget {
   session::Session& session() noexcept { return session_; }
   ports::ProductForms& product_forms() noexcept { return product_forms_; }
 
-  // Runs a request of the host: at once, or from the message loop when the forms can be disturbed again.
+  // Runs a request of the host: at once, or from the message loop when the forms can be disturbed again. Throws
+  // base::Error, and forgets the request, when it would have to wait and there is no timer to wait by. A request throws
+  // nothing when it runs from the message loop.
   void WhenNotBusy(std::function<void()> request);
   // Forgets the requests that wait.
   void DropRequests() noexcept;
@@ -36,7 +38,8 @@ class Component final : private ports::TimerTarget {
   session::Session& session_;
   ports::ProductForms& product_forms_;
   ports::FormHost& form_host_;
-  std::vector<std::function<void()>> requests_;
+  std::list<std::function<void()>> requests_;
+  bool running_ = false;  // requests that have waited
 };
 
 }  // namespace quenta::component

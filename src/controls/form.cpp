@@ -41,7 +41,13 @@ void Form::Load() {
   if (loaded_) return;
   loading_ = true;
   loaded_ = true;
-  OnLoad();
+  try {
+    OnLoad();
+  } catch (...) {
+    loading_ = false;
+    Closed();
+    throw;
+  }
   loading_ = false;
 }
 
@@ -67,7 +73,12 @@ bool Form::Unload() {
   const std::shared_ptr<Form> alive = shared_from_this();
   unloading_ = true;
   bool cancel = false;
-  OnUnload(cancel);
+  try {
+    OnUnload(cancel);
+  } catch (...) {
+    unloading_ = false;
+    throw;
+  }
   unloading_ = false;
   if (cancel && loaded_) return false;
   host_.Close(*this);

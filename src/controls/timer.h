@@ -16,7 +16,7 @@ class Timer final : public ports::TimerTarget {
   Timer& operator=(const Timer&) = delete;
 
   bool enabled() const noexcept { return enabled_; }
-  // Enabling a timer that is enabled changes nothing.
+  // Enabling a timer that is enabled changes nothing. Throws base::Error, and it stays disabled, when none can be had.
   void set_enabled(bool enabled) {
     if (enabled_ == enabled) return;
     if (enabled) {
@@ -27,6 +27,7 @@ class Timer final : public ports::TimerTarget {
     enabled_ = enabled;
   }
 
+  // Throws nothing: it is called from the message loop.
   std::function<void()> on_timer;
   void OnTimer() noexcept override {
     if (enabled_ && on_timer) on_timer();

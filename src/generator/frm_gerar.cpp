@@ -266,7 +266,8 @@ bool frmGerar::MayGoOn(const std::string& code, int position, int count) {
 }
 
 void frmGerar::Tell(const std::string& text, ports::Icon icon) {
-  session_.ports().desktop.Ask({.text = text, .title = caption(), .icon = icon}, this);
+  Guarded("Command1_Click",
+          [&] { session_.ports().desktop.Ask({.text = text, .title = caption(), .icon = icon}, this); });
 }
 
 void frmGerar::TellEnd(End end, const Progress& progress) {

@@ -6,7 +6,8 @@
 
 namespace quenta::hosting {
 
-Forms::Forms(ports::FormHost& host) : host_(host) {}
+Forms::Forms(ports::FormHost& host, ports::ErrorReporting& error_reporting)
+    : host_(host), error_reporting_(error_reporting) {}
 
 Forms::~Forms() = default;
 
@@ -14,7 +15,7 @@ void Forms::Add(controls::Form& form) {
   if (std::find(forms_.begin(), forms_.end(), &form) != forms_.end()) return;
   forms_.push_back(&form);
   if (main_childs_ == nullptr || !main_childs_->loaded()) {
-    main_childs_ = std::make_shared<frmMainChilds>(host_, *this);
+    main_childs_ = std::make_shared<frmMainChilds>(host_, error_reporting_, *this);
     main_childs_->Load();
   }
   main_childs_->Killme.set_enabled(false);
@@ -22,7 +23,7 @@ void Forms::Add(controls::Form& form) {
 
 void Forms::Remove(controls::Form& form) noexcept {
   std::erase(forms_, &form);
-  if (forms_.empty() && main_childs_ != nullptr && main_childs_->loaded()) main_childs_->Killme.set_enabled(true);
+  if (forms_.empty() && main_childs_ != nullptr) main_childs_->CloseLater();
 }
 
 ExclusiveUse::ExclusiveUse(Forms& forms, controls::Form& user) : forms_(forms) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "controls/form.h"
+#include "ports/error_reporting.h"
 
 namespace quenta::hosting {
 
@@ -12,14 +13,14 @@ class frmMainChilds;
 
 class Forms {
  public:
-  explicit Forms(ports::FormHost& host);
+  Forms(ports::FormHost& host, ports::ErrorReporting& error_reporting);
   ~Forms();
   Forms(const Forms&) = delete;
   Forms& operator=(const Forms&) = delete;
 
   // A form has loaded; the first one brings the hidden form into being. Nothing happens when it is there already.
   void Add(controls::Form& form);
-  // A form has closed; after the last one the hidden form closes itself.
+  // A form has closed; after the last one the hidden form closes itself, at once if there is no timer to close it by.
   void Remove(controls::Form& form) noexcept;
   const std::vector<controls::Form*>& all() const noexcept { return forms_; }
 
@@ -33,6 +34,7 @@ class Forms {
   friend class ExclusiveUse;
 
   ports::FormHost& host_;
+  ports::ErrorReporting& error_reporting_;
   std::vector<controls::Form*> forms_;
   std::shared_ptr<frmMainChilds> main_childs_;
   int exclusive_uses_ = 0;

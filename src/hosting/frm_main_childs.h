@@ -10,7 +10,10 @@ namespace quenta::hosting {
 // Loaded with the first visible form and never shown. Unloading it leaves all other forms as they are.
 class frmMainChilds final : public controls::Form {
  public:
-  frmMainChilds(ports::FormHost& host, const Forms& forms);
+  frmMainChilds(ports::FormHost& host, ports::ErrorReporting& error_reporting, const Forms& forms);
+
+  // Closes the form by Killme. Without a timer, which is reported, it closes at once: nothing of its own is running.
+  void CloseLater() noexcept;
 
   // Unloads this form on a later pass of the message loop: a form cannot go while one of its own events is running.
   // Enabled twice before it fires, it still unloads once.
@@ -20,8 +23,9 @@ class frmMainChilds final : public controls::Form {
   void OnUnload(bool& cancel) override;
 
  private:
-  void Killme_Timer();
+  void Killme_Timer() noexcept;
 
+  ports::ErrorReporting& error_reporting_;
   const Forms& forms_;
 };
 

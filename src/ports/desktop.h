@@ -38,13 +38,15 @@ class Desktop {
 
   // Shows the message over the form (over the active window when null) and waits for the answer. Messages go on being
   // processed meanwhile, so the caller must survive being entered again. Closing the box counts as Cancel where there
-  // is one, as No or OK elsewhere.
+  // is one, as No or OK elsewhere, and so does a form or host that goes meanwhile. Throws base::Error when the
+  // box cannot be shown.
   virtual Answer Ask(const Message& message, controls::Form* over) = 0;
 
   // Opens the file with its program by the verb "open". False when that failed.
   virtual bool OpenDocument(const std::string& path, const std::string& working_folder, controls::Form* over) = 0;
 
-  // Asks where to save; an existing file only after a warning. Nothing when the user gave up.
+  // Asks where to save; an existing file only after a warning. Nothing when the user gave up. Throws base::Error when
+  // the question cannot be shown.
   virtual std::optional<std::string> AskFileToSave(const FileToSave& file, controls::Form* over) = 0;
 
   // Puts a text on the clipboard. False when another program holds it.

@@ -19,7 +19,7 @@ class FormHost {
   virtual ~FormHost() = default;
 
   // Makes the form's window on first use (modeless, over the caller's window, without an owner) and brings it to the
-  // front. The host keeps the form alive until its window is gone.
+  // front. The host keeps the form alive until its window is gone. Throws base::Error when there can be no window.
   virtual void Show(controls::Form& form) = 0;
 
   // Removes the window without asking the form. Safe from inside the form's own events: what is still running ends
@@ -37,7 +37,8 @@ class FormHost {
   virtual void PopupMenu(controls::Form& form, const char* menu_name) = 0;
 
   // Tells the target from the message loop each time the interval has passed, until it is stopped. Started again, the
-  // interval begins anew. A target that runs keeps the library loaded; it must be stopped before it dies.
+  // interval begins anew. A target that runs keeps the library loaded; it must be stopped before it dies. Throws
+  // base::Error when no timer can be had.
   virtual void StartTimer(TimerTarget& target, int milliseconds) = 0;
   virtual void StopTimer(TimerTarget& target) noexcept = 0;
 };

@@ -41,10 +41,13 @@ void frmMain::DeleteNewProduct() {
 
 // A question stands in front of everything: the form is topmost while it is asked.
 Answer frmMain::Ask(const ports::Message& message) {
+  struct Topmost {
+    ~Topmost() { form.host().SetTopmost(form, false); }
+    frmMain& form;
+  };
   host().SetTopmost(*this, true);
-  const Answer answer = session_.ports().desktop.Ask(message, this);
-  host().SetTopmost(*this, false);
-  return answer;
+  const Topmost topmost{*this};
+  return session_.ports().desktop.Ask(message, this);
 }
 
 void frmMain::Tell(const ports::Message& message) {

@@ -14,7 +14,10 @@ namespace quenta::product {
 class ProductForms final : public ports::ProductForms {
  public:
   ProductForms(session::Session& session, ports::FormHost& form_host, MakeGenerator make_generator)
-      : session_(session), form_host_(form_host), forms_(form_host), make_generator_(make_generator) {}
+      : session_(session),
+        form_host_(form_host),
+        forms_(form_host, session.ports().error_reporting),
+        make_generator_(make_generator) {}
 
   std::shared_ptr<ports::ProductForm> Create() override;
   bool Busy() const override { return forms_.in_exclusive_use(); }

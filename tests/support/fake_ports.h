@@ -25,32 +25,52 @@
 
 namespace quenta::tests {
 
-// Counts its calls with a plan where it is given one. A call that is struck does what its port says of a failure.
+// Counts its calls with a plan where it is given one. A call that is struck does what its port says of a failure: it
+// answers so, throws, or nothing happens. Those that must not fail (closing a window, stopping a timer) are no calls of
+// the plan's.
 class Fallible {
  public:
   FaultPlan* faults = nullptr;
 
  protected:
   bool Strikes() noexcept { return faults != nullptr && faults->Strikes(); }
+  void FailIfStruck(std::int32_t error) {
+    if (Strikes()) throw base::Error(error, "Injected failure");
+  }
 };
 
-class FakeErrorReporting final : public ports::ErrorReporting {
+class FakeErrorReporting final : public ports::ErrorReporting, public Fallible {
  public:
-  void Report(const ports::ErrorReport& report) noexcept override { reports.push_back(report); }
+  void Report(const ports::ErrorReport& report) noexcept override {
+    if (Strikes()) {
+      ++lost;
+    } else {
+      reports.push_back(report);
+    }
+  }
   void SQLReconnectShow(controls::Form* form) noexcept override {
-    calls.push_back("SQLReconnectShow");
+    Note("SQLReconnectShow");
     reconnecting = true;
     shown_over = form;
   }
-  void SQLReconnectShutdown(controls::Form*) noexcept override { calls.push_back("SQLReconnectShutdown"); }
-  void SQLReconnectShowBad(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowBad"); }
-  void SQLReconnectShowOK(controls::Form*) noexcept override { calls.push_back("SQLReconnectShowOK"); }
+  void SQLReconnectShutdown(controls::Form*) noexcept override { Note("SQLReconnectShutdown"); }
+  void SQLReconnectShowBad(controls::Form*) noexcept override { Note("SQLReconnectShowBad"); }
+  void SQLReconnectShowOK(controls::Form*) noexcept override { Note("SQLReconnectShowOK"); }
   void ReleaseReconnect() noexcept override { reconnecting = false; }
 
+  // Whether anything was reported, delivered or not.
+  bool told() const noexcept { return lost > 0 || !reports.empty(); }
+
   std::vector<ports::ErrorReport> reports;
+  int lost = 0;  // reports that could not be delivered
   std::vector<std::string> calls;
   bool reconnecting = false;             // an object of a reconnect is held
   controls::Form* shown_over = nullptr;  // what the last reconnect was shown with
+
+ private:
+  void Note(const char* call) noexcept {
+    if (!Strikes()) calls.emplace_back(call);
+  }
 };
 
 // A registry and a file system in memory. Values are keyed "HKEY_LOCAL_MACHINE\key:name".
@@ -63,11 +83,11 @@ class FakeSettings final : public ports::Settings, public Fallible {
     return found == registry.end() ? std::nullopt : std::optional(found->second);
   }
   std::vector<std::string> EnumerateSubkeys(ports::RootKey, const std::string& subkey) override {
-    return subkeys[subkey];
+    return Strikes() ? std::vector<std::string>{} : subkeys[subkey];
   }
-  std::string SpecialFolder(int number) override { return number == 35 ? "C:\\ProgramData" : ""; }
-  std::string TempFolder() override { return "C:\\Temp"; }
-  std::string InstallationFolder() override { return "C:\\Quenta"; }
+  std::string SpecialFolder(int number) override { return Strikes() || number != 35 ? "" : "C:\\ProgramData"; }
+  std::string TempFolder() override { return Strikes() ? "" : "C:\\Temp"; }
+  std::string InstallationFolder() override { return Strikes() ? "" : "C:\\Quenta"; }
   std::optional<std::string> ReadFile(const std::string& path) override {
     if (Strikes()) return std::nullopt;
     const auto found = files.find(path);
@@ -90,7 +110,10 @@ class FakeSettings final : public ports::Settings, public Fallible {
     files[path] += bytes;
     return true;
   }
-  base::Locale UserLocale() override { return locale; }
+  base::Locale UserLocale() override {
+    FailIfStruck(base::error_number::kOutOfMemory);
+    return locale;
+  }
 
   std::map<std::string, std::string> registry;
   std::map<std::string, std::vector<std::string>> subkeys;
@@ -103,6 +126,7 @@ class FakeSettings final : public ports::Settings, public Fallible {
 class FakeDesktop final : public ports::Desktop, public Fallible {
  public:
   ports::Answer Ask(const ports::Message& message, controls::Form*) override {
+    FailIfStruck(base::error_number::kOutOfMemory);
     messages.push_back(message);
     if (while_asking) while_asking();
     return answer;
@@ -112,10 +136,12 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
     return !Strikes();
   }
   std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form*) override {
+    FailIfStruck(base::error_number::kOutOfMemory);
     asked_files.push_back(file);
     return file_to_save;
   }
   bool CopyText(const std::string& text) override {
+    if (Strikes()) return false;
     copied = text;
     return true;
   }
@@ -123,7 +149,9 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
     ++pumps;
     std::this_thread::sleep_for(pump_time);
     if (while_pumping) while_pumping();
-    return pumps < quits_after;
+    const bool goes_on = !Strikes() && pumps < quits_after;
+    quitting = quitting || !goes_on;
+    return goes_on;
   }
   std::chrono::steady_clock::time_point Now() override { return std::chrono::steady_clock::now() + skipped; }
 
@@ -135,6 +163,7 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
   std::string copied;
   int pumps = 0;
   int quits_after = 1000;                 // pumps until the host is quitting
+  bool quitting = false;                  // it was told so
   std::chrono::milliseconds pump_time{};  // how long one takes; none where time is not real
   std::chrono::milliseconds skipped{};    // by how much the clock is ahead of the real one
   std::function<void()> while_asking;
@@ -145,14 +174,23 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
 class FakeFormHost final : public ports::FormHost, public Fallible {
  public:
   void Show(controls::Form& form) override {
-    if (Strikes()) throw base::Error(base::error_number::kOutOfMemory, "No window.");
+    FailIfStruck(base::error_number::kOutOfMemory);
     shown[&form] = form.shared_from_this();
   }
   void Close(controls::Form& form) override { shown.erase(&form); }
-  void SetTopmost(controls::Form&, bool topmost) override { window_order.push_back(topmost); }
-  void Focus(controls::Form&, const char* control_name) override { focused = control_name; }
-  void PopupMenu(controls::Form&, const char* menu_name) override { popped_up.emplace_back(menu_name); }
-  void StartTimer(ports::TimerTarget& target, int) override { timers.insert(&target); }
+  void SetTopmost(controls::Form&, bool topmost) override {
+    if (!Strikes()) window_order.push_back(topmost);
+  }
+  void Focus(controls::Form&, const char* control_name) override {
+    if (!Strikes()) focused = control_name;
+  }
+  void PopupMenu(controls::Form&, const char* menu_name) override {
+    if (!Strikes()) popped_up.emplace_back(menu_name);
+  }
+  void StartTimer(ports::TimerTarget& target, int) override {
+    FailIfStruck(base::error_number::kOutOfMemory);
+    timers.insert(&target);
+  }
   void StopTimer(ports::TimerTarget& target) noexcept override { timers.erase(&target); }
 
   // Lets the interval of every timer pass once.
@@ -176,9 +214,10 @@ struct FakeServer {
 };
 
 // Servers by data source name; users by name and clear password. Queries are answered by a function.
-class FakeDatabase final : public ports::Database {
+class FakeDatabase final : public ports::Database, public Fallible {
  public:
   std::unique_ptr<ports::Connection> CreateConnection() override;
+  using Fallible::FailIfStruck;
 
   std::map<std::string, FakeServer> servers;
   std::map<std::string, std::string> users;
@@ -190,46 +229,55 @@ class FakeDatabase final : public ports::Database {
 class FakeConnection final : public ports::Connection {
  public:
   explicit FakeConnection(FakeDatabase& database) : database_(database) {}
-  ~FakeConnection() override { FakeConnection::Close(); }
+  ~FakeConnection() override { LetGo(); }
 
   ports::ConnectionState State() override {
+    Call();
     if (state_ == ports::ConnectionState::kConnecting && steps_left_-- <= 0) EndOpen();
     return state_;
   }
-  std::string ConnectionString() override { return connection_string_; }
-  void SetConnectionString(const std::string& text) override { connection_string_ = text; }
-  int ConnectionTimeout() override { return timeout_; }
-  void SetConnectionTimeout(int seconds) override { timeout_ = seconds; }
+  std::string ConnectionString() override { return Call(), connection_string_; }
+  void SetConnectionString(const std::string& text) override { Call(), connection_string_ = text; }
+  int ConnectionTimeout() override { return Call(), timeout_; }
+  void SetConnectionTimeout(int seconds) override { Call(), timeout_ = seconds; }
   void Open() override {
     OpenAsync();
     EndOpen();
     ThrowIfOpenFailed();
   }
   void OpenAsync() override {
+    Call();
     database_.opened.push_back(connection_string_);
     state_ = ports::ConnectionState::kConnecting;
     steps_left_ = database_.servers[Part("Data Source")].steps_to_answer;
   }
   void ThrowIfOpenFailed() override {
+    Call();
     if (state_ == ports::ConnectionState::kClosed)
       throw base::Error(base::error_number::kDataAccess, "Cannot connect.");
   }
   void Close() override {
-    if (state_ == ports::ConnectionState::kOpen) --database_.open_connections;
-    state_ = ports::ConnectionState::kClosed;
+    Call();
+    LetGo();
   }
   ports::RowSet Query(const std::string& sql) override {
+    Call();
     if (state_ != ports::ConnectionState::kOpen) {
       throw base::Error(base::error_number::kClosedConnection, "The connection is closed.");
     }
     return database_.on_query(sql);
   }
   void Execute(const std::string& sql) override { Query(sql); }
-  void BeginTransaction() override {}
-  void CommitTransaction() override {}
-  void RollbackTransaction() override {}
+  void BeginTransaction() override { Call(); }
+  void CommitTransaction() override { Call(); }
+  void RollbackTransaction() override { Call(); }
 
  private:
+  void Call() { database_.FailIfStruck(base::error_number::kDataAccess); }
+  void LetGo() noexcept {
+    if (state_ == ports::ConnectionState::kOpen) --database_.open_connections;
+    state_ = ports::ConnectionState::kClosed;
+  }
   // The value of a keyword, which in these tests is never quoted.
   std::string Part(const std::string& keyword) const {
     const std::size_t at = connection_string_.find(";" + keyword + "=");
@@ -253,6 +301,7 @@ class FakeConnection final : public ports::Connection {
 };
 
 inline std::unique_ptr<ports::Connection> FakeDatabase::CreateConnection() {
+  FailIfStruck(base::error_number::kDataAccess);
   return std::make_unique<FakeConnection>(*this);
 }
 

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <chrono>
+#include <set>
+
+#include "base/error.h"
 
 namespace quenta::tests {
 
@@ -23,11 +26,24 @@ class FaultPlan {
   Fault fault = Fault::kFails;
   std::chrono::milliseconds late{20};  // how much longer a late call takes
   int calls = 0;                       // made so far
+  // Of a database, counts every call, and not only opens, statements and transactions. Those that pass nothing on to
+  // the server know one way to go wrong: they fail.
+  bool every_call = false;
+  std::set<int> passed{};  // positions of those
 
   // Counts one more call; true when it is the one to go wrong.
   bool Strikes() noexcept {
     const int position = calls++;
     return fail_at >= 0 && (position == fail_at || (fault == Fault::kFailsForGood && position > fail_at));
+  }
+
+  // A call of a database that passes nothing on to the server.
+  void Pass() {
+    if (every_call) passed.insert(calls);
+    if (!every_call || !Strikes()) return;
+    if (fault == Fault::kFails || fault == Fault::kFailsForGood) {
+      throw base::Error(base::error_number::kDataAccess, "Injected failure");
+    }
   }
 };
 

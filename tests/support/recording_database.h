@@ -27,14 +27,17 @@ class FaultyConnection final : public ports::Connection {
   FaultyConnection(ports::Database& real, FaultPlan& plan)
       : database_(real), plan_(plan), real_(database_.CreateConnection()) {}
 
+  // As long as it connects it is polled, how often is chance: only the answer that ends this counts.
   ports::ConnectionState State() override {
     if (std::chrono::steady_clock::now() < late_until_) return ports::ConnectionState::kConnecting;
-    return line_gone_ ? ports::ConnectionState::kOpen : real_->State();
+    const ports::ConnectionState state = line_gone_ ? ports::ConnectionState::kOpen : real_->State();
+    if (state != ports::ConnectionState::kConnecting) plan_.Pass();
+    return state;
   }
-  std::string ConnectionString() override { return real_->ConnectionString(); }
-  void SetConnectionString(const std::string& text) override { real_->SetConnectionString(text); }
-  int ConnectionTimeout() override { return real_->ConnectionTimeout(); }
-  void SetConnectionTimeout(int seconds) override { real_->SetConnectionTimeout(seconds); }
+  std::string ConnectionString() override { return plan_.Pass(), real_->ConnectionString(); }
+  void SetConnectionString(const std::string& text) override { plan_.Pass(), real_->SetConnectionString(text); }
+  int ConnectionTimeout() override { return plan_.Pass(), real_->ConnectionTimeout(); }
+  void SetConnectionTimeout(int seconds) override { plan_.Pass(), real_->SetConnectionTimeout(seconds); }
   void Open() override {
     Call([&] { real_->Open(); });
   }
@@ -43,8 +46,9 @@ class FaultyConnection final : public ports::Connection {
     if (late) late_until_ = std::chrono::steady_clock::now() + plan_.late;
     Call([&] { real_->OpenAsync(); });
   }
-  void ThrowIfOpenFailed() override { real_->ThrowIfOpenFailed(); }
+  void ThrowIfOpenFailed() override { plan_.Pass(), real_->ThrowIfOpenFailed(); }
   void Close() override {
+    plan_.Pass();
     line_gone_ = false;
     late_until_ = {};
     real_->Close();
@@ -131,6 +135,7 @@ class FaultyDatabase final : public ports::Database {
  public:
   FaultyDatabase(ports::Database& real, FaultPlan& plan) : real_(real), plan_(plan) {}
   std::unique_ptr<ports::Connection> CreateConnection() override {
+    plan_.Pass();
     return std::make_unique<FaultyConnection>(real_, plan_);
   }
 
@@ -147,16 +152,19 @@ class RecordingDatabase final : public ports::Database, public FaultPlan, privat
 
   std::vector<std::string> statements;  // "BEGIN", "COMMIT" and "ROLLBACK" stand for the transaction calls
   std::vector<int> positions;           // of each of them among the plan's calls
+  std::vector<int> opens;               // positions, too
 
   // Forgets what was recorded; nothing goes wrong any more.
   void Forget() {
     statements.clear();
     positions.clear();
+    opens.clear();
     static_cast<FaultPlan&>(*this) = {};
   }
 
  private:
   void Starting(session::DatabaseCall call, const std::string& text) override {
+    if (call == session::DatabaseCall::kOpen) opens.push_back(calls);
     if (call == session::DatabaseCall::kOpen || call == session::DatabaseCall::kClose) return;
     statements.push_back(text);
     positions.push_back(calls);

@@ -10,6 +10,7 @@
 #include <commdlg.h>
 #include <shellapi.h>
 
+#include "base/error.h"
 #include "controls/form.h"
 #include "platform/win32/dpi.h"
 #include "platform/win32/handles.h"
@@ -53,6 +54,12 @@ std::wstring FileName(const std::string& proposal) {
   return name;
 }
 
+// A box has to end unanswered when the window below it goes, or the host is quitting.
+bool MustGo(HWND owner) noexcept {
+  MSG quit;
+  return (owner != nullptr && !IsWindow(owner)) || PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE);
+}
+
 // Programs that watch the clipboard hold it for a moment whenever it changes.
 bool OpenClipboardPatiently(HWND owner) noexcept {
   constexpr int kTries = 10;
@@ -86,8 +93,11 @@ ports::Answer Desktop::Ask(const ports::Message& message, controls::Form* over) 
       return message.buttons == ports::Buttons::kYesNoCancel ? ports::Answer::kCancel : ports::Answer::kOk;
     case IDOK:
       return ports::Answer::kOk;
-    default:  // the box could not be shown at all
+    default:
       break;
+  }
+  if (!MustGo(owner)) {
+    throw base::Error(base::error_number::kOutOfMemory, "Windows cannot show the message: " + message.text);
   }
   if (message.buttons == ports::Buttons::kOk) return ports::Answer::kOk;
   return message.buttons == ports::Buttons::kYesNo ? ports::Answer::kNo : ports::Answer::kCancel;
@@ -127,6 +137,9 @@ std::optional<std::string> Desktop::AskFileToSave(const ports::FileToSave& file,
   dialog.Flags = OFN_EXPLORER | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
   const bool chosen = GetSaveFileNameW(&dialog) != FALSE;
   if (over != nullptr) forms_.QuestionEnded(*over);
+  if (!chosen && CommDlgExtendedError() != 0 && !MustGo(dialog.hwndOwner)) {
+    throw base::Error(base::error_number::kOutOfMemory, "Windows cannot ask for the file: " + file.title);
+  }
   if (!chosen) return std::nullopt;
   return Narrow(path.c_str());
 }

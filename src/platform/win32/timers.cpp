@@ -12,6 +12,7 @@ Timers::~Timers() {
 }
 
 void Timers::Start(ports::TimerTarget& target, int milliseconds) {
+  targets_.reserve(targets_.size() + 1);
   if (!window_) {
     window_ = OwnedWindow(
         CreateWindowExW(0, WC_STATICW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, ThisModule(), nullptr));
@@ -19,6 +20,7 @@ void Timers::Start(ports::TimerTarget& target, int milliseconds) {
   }
   if (!window_ || SetTimer(window_.get(), reinterpret_cast<UINT_PTR>(&target), static_cast<UINT>(milliseconds),
                            &Timers::OnTimer) == 0) {
+    if (targets_.empty()) window_.reset();
     throw base::Error(base::error_number::kOutOfMemory, "Windows has no timer left.");
   }
   if (std::find(targets_.begin(), targets_.end(), &target) == targets_.end()) targets_.push_back(&target);

@@ -8,6 +8,7 @@
 
 #include <thread>
 
+#include "base/error.h"
 #include "component/form_host/form_fixture.h"
 #include "platform/win32/files.h"
 #include "platform/win32/handles.h"
@@ -88,6 +89,23 @@ TEST_F(DesktopTest, AFileToSaveIsAskedFor) {
   wchar_t after[MAX_PATH];
   GetCurrentDirectoryW(MAX_PATH, after);
   EXPECT_STREQ(before, after) << "the host's working folder";
+  EXPECT_TRUE(IsWindowEnabled(window));
+}
+
+// Refuses every dialog, as when Windows has no room for more windows.
+LRESULT CALLBACK RefuseDialogs(int code, WPARAM wparam, LPARAM lparam) noexcept {
+  constexpr WORD kDialogClass = 0x8002;
+  if (code == HCBT_CREATEWND && GetClassWord(reinterpret_cast<HWND>(wparam), GCW_ATOM) == kDialogClass) return 1;
+  return CallNextHookEx(nullptr, code, wparam, lparam);
+}
+
+TEST_F(DesktopTest, AQuestionThatCannotBeShownIsAnErrorAndNoAnswer) {
+  Show();
+  const HHOOK hook = SetWindowsHookExW(WH_CBT, &RefuseDialogs, nullptr, GetCurrentThreadId());
+  for (const ports::Buttons buttons : {ports::Buttons::kOk, ports::Buttons::kYesNo, ports::Buttons::kYesNoCancel}) {
+    EXPECT_THROW(desktop_.Ask({.text = "Deseja gravar?", .buttons = buttons}, form.get()), base::Error);
+  }
+  UnhookWindowsHookEx(hook);
   EXPECT_TRUE(IsWindowEnabled(window));
 }
 

@@ -55,7 +55,7 @@ TEST_F(BadInput, AShadowFileIsReadAsFarAsItMakesSense) {
 
 TEST_F(BadInput, AShadowFileThatCannotBeRewrittenStaysAsItIs) {
   settings.files[kShadow] = "outra:linha=1";
-  FaultPlan locked{.fail_at = 2, .fault = Fault::kFailsForGood};  // both reads, and then the work file is locked
+  FaultPlan locked{.fail_at = 6, .fault = Fault::kFailsForGood};  // all has been read, and the work file is locked
   settings.faults = &locked;
   EXPECT_EQ(registry.ObterValorString(R"(HKEY_LOCAL_MACHINE\SOFTWARE\X)", "y", "omissão"), Value("omissão"));
   EXPECT_EQ(settings.files[kShadow], "outra:linha=1");

@@ -62,7 +62,7 @@ TEST_F(FrmGerarTest, HoweverItClosesTheOpenerCanBeUsedAgain) {
     void StartTimer(ports::TimerTarget&, int) override {}
     void StopTimer(ports::TimerTarget&) noexcept override {}
   } refusing;
-  hosting::Forms forms(refusing);
+  hosting::Forms forms(refusing, reporting);
   const auto form = std::make_shared<product::frmMain>(session, refusing, forms, &generator::MakeGenerator);
   form->Open({.produto_id = IdOfCode("10001")});
   form->Toolbar2.Clicked("gerar");

@@ -30,7 +30,8 @@ class FormsTest : public testing::Test {
   bool HiddenFormIsLoaded() const { return forms.main_childs() != nullptr && forms.main_childs()->loaded(); }
 
   FakeFormHost host;
-  hosting::Forms forms{host};
+  FakeErrorReporting reporting;
+  hosting::Forms forms{host, reporting};
 };
 
 TEST_F(FormsTest, TheHiddenFormLivesFromTheFirstFormUntilAfterTheLast) {
@@ -65,6 +66,22 @@ TEST_F(FormsTest, UnloadingTheHiddenFormLeavesTheOthersOpen) {
   EXPECT_TRUE(host.timers.empty()) << "it fires once";
   EXPECT_TRUE(form->loaded());
   EXPECT_EQ(host.shown.count(form.get()), 1U);
+}
+
+TEST_F(FormsTest, WithoutATimerTheHiddenFormClosesAtOnce) {
+  FaultPlan no_timer{.fail_at = 0, .fault = Fault::kFailsForGood};
+  const auto form = Open();
+  host.faults = &no_timer;
+  EXPECT_TRUE(form->Unload());
+  EXPECT_FALSE(form->loaded());
+  EXPECT_FALSE(HiddenFormIsLoaded());
+  ASSERT_EQ(reporting.reports.size(), 1U);
+  EXPECT_EQ(reporting.reports[0], (ports::ErrorReport{"Programa de Contabilidade", "Quenta_Produtos", "frmMainChilds",
+                                                      "Killme_Timer", "Injected failure"}));
+  host.faults = nullptr;
+  Open()->Unload();
+  host.PassTime();
+  EXPECT_FALSE(HiddenFormIsLoaded()) << "the next time as ever";
 }
 
 TEST_F(FormsTest, ExclusiveUseDisablesTheOthersAndMakesTimersWait) {

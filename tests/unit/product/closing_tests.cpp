@@ -52,6 +52,12 @@ TEST_F(ClosingTest, CancelKeepsTheFormAndYesSavesOrKeepsIt) {
   form->FXNome.Typed("");
   desktop.answer = Answer::kCancel;
   EXPECT_FALSE(form->Unload());
+  FaultPlan no_box{.fail_at = 0};
+  desktop.faults = &no_box;
+  form_host.window_order.clear();
+  EXPECT_FALSE(form->Unload()) << "nobody was asked";
+  EXPECT_EQ(reporting.reports.size(), 1U);
+  EXPECT_EQ(form_host.window_order, (std::vector<bool>{true, false}));
   desktop.answer = Answer::kYes;
   EXPECT_FALSE(form->Unload()) << "the save is refused";
   EXPECT_TRUE(form->loaded() && form->Altered());
