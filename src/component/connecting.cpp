@@ -185,7 +185,8 @@ bool ConnectWithSettings(Component& component, const std::string& user, const st
     return value.is_null() ? std::nullopt : std::optional<std::string>(value.text());
   };
   const auto application_key = read(R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\Shared\OUT)", "DataServer");
-  if (!application_key) return false;
+  // An empty name would be a key path that ends in a backslash, which is refused with a message.
+  if (!application_key || application_key->empty()) return false;
   const std::string key = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\)" + *application_key;
   const auto security_info = read(key, "dtSecurityInfo");
   const auto database_user = read(key, "dtUser");

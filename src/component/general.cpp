@@ -28,7 +28,7 @@ bool WarehouseAllowsNewProducts(session::Session& session) {
 
 }  // namespace
 
-General::General(Component& component) noexcept : component_(component) {
+General::General(Component& component) : component_(component) {
   Guarded("Class_Initialize", [&] { form_ = component_.product_forms().Create(); });
 }
 
@@ -65,6 +65,11 @@ void General::ObjectNew(ports::ProductRequest request) noexcept {
 
 void General::NovoRegisto(ports::ProductRequest request) noexcept {
   WhenNotBusy("NovoRegisto", [this, request = std::move(request)] { New(request); });
+}
+
+void General::Refuse(const char* procedure, const base::Error& error) noexcept {
+  if (!component_.session().state().connected) return;
+  session::ReportError(component_.session().ports().error_reporting, kLabels, procedure, error);
 }
 
 // Waits while an operation of a form must not be disturbed. A request that waits dies with this object, which the
@@ -111,7 +116,8 @@ void General::Show(const ports::ProductRequest& request) {
   if (form_ && form_->IsLoaded()) {
     const bool existing = request.produto_id != 0;
     if (existing && form_->ProdutoId() == request.produto_id) {
-      form_->Activate();
+      const std::shared_ptr<ports::ProductForm> form = form_;
+      form->Activate(request);
       return;
     }
     form_.reset();

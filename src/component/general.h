@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "base/error.h"
 #include "base/value.h"
 #include "component/component.h"
 #include "ports/product_form.h"
@@ -24,11 +25,11 @@ struct SQLConnectArguments {
   std::int32_t oFlags = 0;  // 0: "Contabilidade", 1: "Sarvat", anything else keeps the application key
 };
 
-// No method throws: errors are reported, and the result is the default one.
+// No method throws, only making one does (std::bad_alloc): errors are reported, and the result is the default one.
 class General {
  public:
-  explicit General(Component& component) noexcept;  // Class_Initialize
-  ~General();                                       // Class_Terminate
+  explicit General(Component& component);  // Class_Initialize
+  ~General();                              // Class_Terminate
   General(const General&) = delete;
   General& operator=(const General&) = delete;
 
@@ -45,6 +46,10 @@ class General {
   // Opens the form for a new product.
   void ObjectNew(ports::ProductRequest request) noexcept;
   void NovoRegisto(ports::ProductRequest request) noexcept;
+
+  // Reports an error in what the host has passed to a record operation, which then does nothing. As long as the session
+  // is not connected it does nothing anyway, and nothing is reported.
+  void Refuse(const char* procedure, const base::Error& error) noexcept;
 
  private:
   template <typename Body>

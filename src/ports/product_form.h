@@ -30,8 +30,9 @@ class ProductForm {
 
   // Loads the product (only when the form is not loaded) and shows the form.
   virtual void Open(const ProductRequest& request) = 0;
-  // Brings a loaded form to the front.
-  virtual void Activate() = 0;
+  // Brings a loaded form to the front for a new caller. Where the request has an index, its index, object and related
+  // identifier replace those of before, too.
+  virtual void Activate(const ProductRequest& request) = 0;
 };
 
 class ProductForms {

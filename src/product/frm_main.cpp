@@ -99,6 +99,18 @@ void frmMain::Open(const ports::ProductRequest& request) {
   Show();
 }
 
+// What is let go of may run the host's code: it goes last, when all members have their new values.
+void frmMain::Activate(const ports::ProductRequest& request) {
+  const ports::ProductRequest former = request_;
+  request_.caller = ports::HostObjectRef(request.caller);
+  if (request.current_index) {
+    request_.current_index = request.current_index;
+    request_.current_object = ports::HostObjectRef(request.current_object);
+    request_.last_related_id = request.last_related_id;
+  }
+  Show();
+}
+
 void frmMain::OnLoad() {
   Guarded("Form_Load", [&] {
     forms_.Add(*this);

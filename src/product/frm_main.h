@@ -37,7 +37,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   bool IsLoaded() const override { return loaded(); }
   std::int32_t ProdutoId() const override { return produto_id_; }
   void Open(const ports::ProductRequest& request) override;
-  void Activate() override { Show(); }
+  void Activate(const ports::ProductRequest& request) override;
 
   ports::HostObjectRef Caller() const override { return request_.caller; }
 

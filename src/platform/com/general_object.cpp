@@ -63,19 +63,19 @@ HRESULT RaiseException(HRESULT failure, EXCEPINFO* exception) noexcept {
   return exception == nullptr ? failure : DISP_E_EXCEPTION;
 }
 
-// A key that is no value at all (an array, Nothing) reaches the component as a text that is no number, which it
-// reports as the type mismatch that it is.
+// A key that is no value at all (an array, Nothing, an object that answers with an error or throws) reaches the
+// component as a text that is no number, which it reports as the type mismatch that it is.
 base::Value KeyOf(const VARIANT& key) {
   try {
     return ToValue(key);
-  } catch (const base::Error&) {
+  } catch (...) {
     return base::Value("");
   }
 }
 
 }  // namespace
 
-GeneralObject::GeneralObject(Server& server, std::shared_ptr<Composition> composition) noexcept
+GeneralObject::GeneralObject(Server& server, std::shared_ptr<Composition> composition)
     : use_(server), composition_(std::move(composition)), general_(composition_->Component()) {}
 
 // Runs a method's work. The object stays alive meanwhile even if the host lets go of it from a message.
@@ -93,6 +93,18 @@ HRESULT GeneralObject::Answer(bool arguments_complete, Body&& body) noexcept {
     // Anything: an object among the arguments may throw through its methods.
     return Fail(E_UNEXPECTED);
   }
+}
+
+// The same for a record operation: an argument that cannot be taken is reported under its name.
+template <typename Body>
+HRESULT GeneralObject::AnswerRecord(const char* procedure, bool arguments_complete, Body&& body) noexcept {
+  return Answer(arguments_complete, [&] {
+    try {
+      body();
+    } catch (const base::Error& error) {
+      general_.Refuse(procedure, error);
+    }
+  });
 }
 
 HRESULT GeneralObject::SQLConnect(BSTR* User, BSTR* Password, BSTR* cnUser, BSTR* cnPassword, BSTR* cnInitialCatalog,
@@ -140,25 +152,28 @@ HRESULT GeneralObject::ObjectOpen(_Recordset** Rs, VARIANT* PKey, BSTR* Tabela, 
                                   LONG* clCurrentIndex, VARIANT* clCurrentObject, LONG* clLast_Related_ID) noexcept {
   const bool complete =
       AllGiven(Rs, PKey, Tabela, StrWhere, Caller, clCurrentIndex, clCurrentObject, clLast_Related_ID);
-  return Answer(complete, [&] {
+  return AnswerRecord("ObjectOpen", complete, [&] {
     general_.ObjectOpen(KeyOf(*PKey), Request(*Caller, *clCurrentIndex, *clCurrentObject, *clLast_Related_ID));
   });
 }
 
 HRESULT GeneralObject::Registo(_Recordset** Rs, VARIANT* PKey, BSTR* Tabela, BSTR* StrWhere,
                                IDispatch** Caller) noexcept {
-  return Answer(AllGiven(Rs, PKey, Tabela, StrWhere, Caller),
-                [&] { general_.Registo(KeyOf(*PKey), Request(*Caller)); });
+  return AnswerRecord("Registo", AllGiven(Rs, PKey, Tabela, StrWhere, Caller),
+                      [&] { general_.Registo(KeyOf(*PKey), Request(*Caller)); });
 }
 
 HRESULT GeneralObject::ObjectNew(_Recordset** Rs, BSTR* Table, BSTR* StrWhere, IDispatch** Caller, LONG* clCurrentIndex,
                                  VARIANT* clCurrentObject, LONG* clLast_Related_ID) noexcept {
-  return Answer(AllGiven(Rs, Table, StrWhere, Caller, clCurrentIndex, clCurrentObject, clLast_Related_ID),
-                [&] { general_.ObjectNew(Request(*Caller, *clCurrentIndex, *clCurrentObject, *clLast_Related_ID)); });
+  const bool complete = AllGiven(Rs, Table, StrWhere, Caller, clCurrentIndex, clCurrentObject, clLast_Related_ID);
+  return AnswerRecord("ObjectNew", complete, [&] {
+    general_.ObjectNew(Request(*Caller, *clCurrentIndex, *clCurrentObject, *clLast_Related_ID));
+  });
 }
 
 HRESULT GeneralObject::NovoRegisto(_Recordset** Rs, BSTR* Tabela, VARIANT* Contacto_ID, IDispatch** Caller) noexcept {
-  return Answer(AllGiven(Rs, Tabela, Contacto_ID, Caller), [&] { general_.NovoRegisto(Request(*Caller)); });
+  return AnswerRecord("NovoRegisto", AllGiven(Rs, Tabela, Contacto_ID, Caller),
+                      [&] { general_.NovoRegisto(Request(*Caller)); });
 }
 
 HRESULT GeneralObject::GetTypeInfoCount(UINT* count) noexcept {

@@ -21,7 +21,8 @@ namespace quenta::platform {
 // and ends normally. The caller's arguments are read and never replaced.
 class GeneralObject final : public ComObject<_General, ISupportErrorInfo, IProvideClassInfo> {
  public:
-  GeneralObject(Server& server, std::shared_ptr<Composition> composition) noexcept;
+  // Throws std::bad_alloc.
+  GeneralObject(Server& server, std::shared_ptr<Composition> composition);
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** information) noexcept override;
@@ -53,6 +54,8 @@ class GeneralObject final : public ComObject<_General, ISupportErrorInfo, IProvi
   ports::ProductRequest Request(IDispatch* caller, LONG current_index, VARIANT& current_object, LONG last_related_id);
   template <typename Body>
   HRESULT Answer(bool arguments_complete, Body&& body) noexcept;
+  template <typename Body>
+  HRESULT AnswerRecord(const char* procedure, bool arguments_complete, Body&& body) noexcept;
   HRESULT InvokeMember(DISPID member, DISPPARAMS& parameters, VARIANT* result, UINT* bad_argument) noexcept;
 
   const ServerUse use_;

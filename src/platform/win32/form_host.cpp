@@ -9,10 +9,11 @@
 namespace quenta::platform {
 namespace {
 
-bool IsOfThisProcess(HWND window) noexcept {
+// The top window that it is part of. Null for another program's, which is no place to be, nor to go back to.
+HWND TopWindowOfOurs(HWND window) noexcept {
   DWORD process = 0;
-  GetWindowThreadProcessId(window, &process);
-  return process == GetCurrentProcessId();
+  if (window != nullptr) GetWindowThreadProcessId(window, &process);
+  return process == GetCurrentProcessId() ? GetAncestor(window, GA_ROOT) : nullptr;
 }
 
 void Reorder(HWND window, bool topmost) noexcept {
@@ -34,6 +35,8 @@ const std::shared_ptr<WindowServices>& FormHost::Services() {
 
 void FormHost::Show(controls::Form& form) {
   if (const auto shown = Find(form)) {
+    // Whoever asked last is gone back to.
+    if (const HWND caller = WindowOfCaller(form)) shown->ReturnTo(caller);
     shown->BringToFront();
     return;
   }
@@ -57,15 +60,18 @@ void FormHost::Show(controls::Form& form) {
   }
 }
 
+HWND FormHost::WindowOfCaller(const controls::Form& form) const {
+  const auto caller = std::dynamic_pointer_cast<HostWindowObject>(form.Caller());
+  return caller != nullptr ? TopWindowOfOurs(caller->Window()) : nullptr;
+}
+
 HWND FormHost::WindowToOpenOver(const controls::Form& form) const {
-  HWND window = nullptr;
-  if (const auto below = form.OpenedOver()) window = WindowOf(*below);
-  if (window != nullptr) return window;
-  if (const auto caller = std::dynamic_pointer_cast<HostWindowObject>(form.Caller())) window = caller->Window();
-  if (window == nullptr) window = GetActiveWindow();
-  if (window == nullptr) window = GetForegroundWindow();
-  // Another program's window is no place to be, nor to go back to.
-  return window != nullptr && IsOfThisProcess(window) ? GetAncestor(window, GA_ROOT) : nullptr;
+  if (const auto below = form.OpenedOver()) {
+    if (const HWND window = WindowOf(*below)) return window;
+  }
+  if (const HWND window = WindowOfCaller(form)) return window;
+  const HWND active = GetActiveWindow();
+  return TopWindowOfOurs(active != nullptr ? active : GetForegroundWindow());
 }
 
 void FormHost::Close(controls::Form& form) {

@@ -51,6 +51,7 @@ class FormHost final : public ports::FormHost {
 
  private:
   std::shared_ptr<FormWindow> Find(const controls::Form& form) const noexcept;
+  HWND WindowOfCaller(const controls::Form& form) const;
   HWND WindowToOpenOver(const controls::Form& form) const;
   const std::shared_ptr<WindowServices>& Services();
 

@@ -48,6 +48,10 @@ class FormWindow final : public controls::FormView,
   // Throws base::Error when Windows refuses.
   void Open(HWND over, const std::vector<RECT>& taken);
   void BringToFront() noexcept;
+  // The window where the user goes on when this one closes, in place of the one that it was opened over.
+  void ReturnTo(HWND over) noexcept {
+    if (over != window_) over_ = over;
+  }
   // Removes the window: at once, or when the events that are running have ended.
   void Close() noexcept;
   // Destroys the window, and tells the form that it is lost.

@@ -198,7 +198,8 @@ TEST_F(GeneralObjectTest, RecordOperationsCarryTheirArguments) {
   ASSERT_EQ(general->Registo(&rows, &key, &empty, &empty, &caller), S_OK);
   EXPECT_EQ(world.requests[2].current_index, std::nullopt) << "Registo sets the first three values only";
 
-  for (const VARIANT& bad : {Object(nullptr), Typed(VT_ARRAY | VT_UI1), Object(host.Get())}) {
+  const auto throwing = ScriptObject::Make([](const std::wstring&, DISPPARAMS&, VARIANT*) -> HRESULT { throw 7; });
+  for (const VARIANT& bad : {Object(nullptr), Typed(VT_ARRAY | VT_UI1), Object(host.Get()), Object(throwing.Get())}) {
     VARIANT bad_key = bad;
     world.error_reporting.reports.clear();
     EXPECT_EQ(general->Registo(&rows, &bad_key, &empty, &empty, &nobody), S_OK) << "reported, never raised";
@@ -206,9 +207,11 @@ TEST_F(GeneralObjectTest, RecordOperationsCarryTheirArguments) {
     EXPECT_EQ(world.error_reporting.reports[0].procedure, "Registo");
     EXPECT_EQ(world.error_reporting.reports[0].description, "Type mismatch");
   }
-  const auto throwing = ScriptObject::Make([](const std::wstring&, DISPPARAMS&, VARIANT*) -> HRESULT { throw 7; });
-  VARIANT bad_key = Object(throwing.Get());
-  EXPECT_EQ(general->Registo(&rows, &bad_key, &empty, &empty, &nobody), E_UNEXPECTED) << "a key that throws";
+  object = Typed(static_cast<VARTYPE>(0x0FFE));
+  world.error_reporting.reports.clear();
+  EXPECT_EQ(general->ObjectNew(&rows, &empty, &empty, &nobody, &index, &object, &last), S_OK) << "no such type";
+  ASSERT_EQ(world.error_reporting.reports.size(), 1U);
+  EXPECT_EQ(world.error_reporting.reports[0].procedure, "ObjectNew");
   EXPECT_EQ(world.requests.size(), 3U);
 }
 

@@ -1,6 +1,7 @@
 // A composition without database and windows, which records what the COM layer hands to the component.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ struct World {
   int compositions = 0;                         // alive
   int ended = 0;
   bool busy = false;
+  std::function<void()> while_ending;
 };
 
 class RecordingForm final : public ports::ProductForm {
@@ -31,7 +33,7 @@ class RecordingForm final : public ports::ProductForm {
   bool IsLoaded() const override { return false; }
   std::int32_t ProdutoId() const override { return 0; }
   void Open(const ports::ProductRequest& request) override { world_.requests.push_back(request); }
-  void Activate() override {}
+  void Activate(const ports::ProductRequest&) override {}
 
  private:
   World& world_;
@@ -62,6 +64,7 @@ class RecordingComposition final : public platform::Composition {
   bool Busy() const noexcept override { return world_.busy; }
   void End() noexcept override {
     ++world_.ended;
+    if (world_.while_ending) world_.while_ending();
     session_.ReleaseConnection();
   }
 

@@ -19,7 +19,7 @@ class WrittenForm final : public ports::ProductForm {
  public:
   bool IsLoaded() const override { return false; }
   std::int32_t ProdutoId() const override { return 0; }
-  void Activate() override {}
+  void Activate(const ports::ProductRequest&) override {}
   void Open(const ports::ProductRequest& request) override {
     const auto number = [](const std::optional<std::int32_t>& value) {
       return value ? base::DecimalText(*value) : std::string("-");

@@ -230,6 +230,12 @@ TEST_F(FormHostTest, OpensOverItsCallerAndWhollyOnTheScreen) {
   const RECT centred = PlaceOf(host.WindowOf(*second));
   EXPECT_NEAR(centred.left + centred.right, large.left + large.right, 2);
   EXPECT_NEAR(centred.top + centred.bottom, large.top + large.bottom, 2);
+
+  const auto later = std::make_shared<HostWindow>(large);
+  second->caller = later;
+  second->Show();
+  EXPECT_TRUE(second->Unload());
+  EXPECT_EQ(GetForegroundWindow(), later->Window()) << "back to whoever asked last";
   second->caller.reset();
 }
 

@@ -1,6 +1,7 @@
 // A component on fakes, with forms that only remember what they were asked.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -20,13 +21,18 @@ class FakeProductForm final : public ports::ProductForm {
     request = asked;
     loaded = true;
     ++opens;
+    if (on_open) on_open();
   }
-  void Activate() override { ++activations; }
+  void Activate(const ports::ProductRequest& asked) override {
+    request = asked;
+    ++activations;
+  }
 
   ports::ProductRequest request;
   bool loaded = false;
   int opens = 0;
   int activations = 0;
+  std::function<void()> on_open;
 };
 
 class FakeProductForms final : public ports::ProductForms {
