@@ -5,7 +5,7 @@
 
 #include "component/session/session.h"
 #include "component/session/statement_log.h"
-#include "data/registry.h"
+#include "data/support_log.h"
 #include "generator/frm_gerar.h"
 #include "platform/ado/ado_database.h"
 #include "platform/com/error_reporting.h"
@@ -17,10 +17,8 @@
 namespace quenta::platform {
 namespace {
 
-constexpr const char* kServerKey = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\Shared\OUT)";
-constexpr const char* kSuiteKey = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\)";
-
-// The members stand in the order in which they need each other.
+// Made while the host creates its General: nothing here may show a window, wait or let messages through. The members
+// stand in the order in which they need each other.
 class ShippedComposition final : public Composition {
  public:
   component::Component& Component() noexcept override { return component_; }
@@ -36,15 +34,11 @@ class ShippedComposition final : public Composition {
   }
 
  private:
-  // Support's log of all statements, where the workstation's settings name a file for it.
+  // Support's log of all statements, where the machine names a file for it.
   ports::Database& Database() {
-    const session::Ports ports{database_, settings_, desktop_, error_reporting_};
-    data::Registry registry(ports);
-    const base::Value application = registry.ObterValorString(kServerKey, "DataServer");
-    if (!application.is_text()) return database_;
-    const base::Value path = registry.ObterValorString(kSuiteKey + application.text(), "StatementLog");
-    if (!path.is_text() || path.text().empty()) return database_;
-    lines_.emplace([this, file = path.text()](const std::string& line) { settings_.AppendFile(file, line); });
+    const std::string path = data::StatementLogPath(settings_);
+    if (path.empty()) return database_;
+    lines_.emplace([this, path](const std::string& line) { settings_.AppendFile(path, line); });
     return log_.emplace(database_, *lines_);
   }
 

@@ -39,32 +39,42 @@ HRESULT Server::GetClassObject(REFCLSID class_id, REFIID iid, void** object) noe
 HRESULT Server::CanUnload() noexcept {
   if (uses_ > 0) return S_FALSE;
   if (owner_ == 0) return S_OK;
-  if (!OnOwningThread() || composition_->Busy()) return S_FALSE;
+  // Without a composition one is being built, or ends.
+  if (!OnOwningThread() || claims_ > 0 || !composition_ || composition_->Busy()) return S_FALSE;
   End();
+  return S_OK;
+}
+
+HRESULT Server::ComposeAndWatch() noexcept {
+  std::shared_ptr<Composition> composition;
+  try {
+    composition = compose_();
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_FAIL;
+  }
+  // A creation that came from a message meanwhile was first: all objects share its component.
+  if (composition_) return S_OK;
+  auto spy = ComPtr<IInitializeSpy>::Adopt(new (std::nothrow) InitializeSpy(*this));
+  const HRESULT watched = spy ? CoRegisterInitializeSpy(spy.Get(), &spy_cookie_) : E_OUTOFMEMORY;
+  if (FAILED(watched)) return watched;
+  spy_ = spy.As<IUnknown>();
+  composition_ = std::move(composition);
   return S_OK;
 }
 
 HRESULT Server::Claim() noexcept {
   const HRESULT apartment = RequireSingleThreadedApartment();
   if (FAILED(apartment)) return apartment;
-  const std::lock_guard lock(claim_);
-  if (owner_ != 0) return OnOwningThread() ? S_OK : RPC_E_WRONG_THREAD;
-  try {
-    composition_ = compose_();
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_FAIL;
-  }
-  auto spy = ComPtr<IInitializeSpy>::Adopt(new (std::nothrow) InitializeSpy(*this));
-  const HRESULT watched = spy ? CoRegisterInitializeSpy(spy.Get(), &spy_cookie_) : E_OUTOFMEMORY;
-  if (FAILED(watched)) {
-    composition_.reset();
-    return watched;
-  }
-  spy_ = spy.As<IUnknown>();
-  owner_ = GetCurrentThreadId();
-  return S_OK;
+  DWORD nobody = 0;
+  if (!owner_.compare_exchange_strong(nobody, GetCurrentThreadId()) && !OnOwningThread()) return RPC_E_WRONG_THREAD;
+  if (ending_) return CO_E_SERVER_STOPPING;
+  if (composition_) return S_OK;
+  ++claims_;
+  const HRESULT composed = ComposeAndWatch();
+  if (--claims_ == 0 && !composition_) owner_ = 0;
+  return composition_ ? S_OK : composed;
 }
 
 HRESULT Server::CreateGeneral(REFIID iid, void** object) noexcept {
@@ -72,8 +82,11 @@ HRESULT Server::CreateGeneral(REFIID iid, void** object) noexcept {
   *object = nullptr;
   const HRESULT claimed = Claim();
   if (FAILED(claimed)) return claimed;
-  const auto general = ComPtr<_General>::Adopt(new (std::nothrow) GeneralObject(*this, composition_));
-  return general ? general->QueryInterface(iid, object) : E_OUTOFMEMORY;
+  try {
+    return ComPtr<_General>::Adopt(new GeneralObject(*this, composition_))->QueryInterface(iid, object);
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  }
 }
 
 void Server::End() noexcept {
@@ -81,11 +94,13 @@ void Server::End() noexcept {
   // Held to the end: closing the windows may release the last objects, and their end may lead here again.
   const std::shared_ptr<Composition> ending = std::move(composition_);
   if (!ending) return;
+  ending_ = true;
   ending->End();
   // Must go before COM does: a spy left behind is called through memory that the library no longer owns.
   CoRevokeInitializeSpy(spy_cookie_);
   spy_.Reset();
-  owner_ = 0;
+  ending_ = false;
+  if (claims_ == 0) owner_ = 0;
 }
 
 }  // namespace quenta::platform

@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 #include "platform/automation/com_ptr.h"
 #include "platform/com/composition.h"
@@ -17,7 +16,8 @@ namespace quenta::platform {
 // One for each loaded library. It outlives every object it makes.
 //
 // The component belongs to the single-threaded apartment that first asks for a General, because the shared connection
-// does. It is built then, and ends with the apartment's COM or with the library, whichever comes first.
+// does. It is built then, and ends with the apartment's COM or with the library, whichever comes first. No lock is held
+// while it is built or ends: either may let messages through, and with them other calls.
 class Server {
  public:
   // The module carries the type library; compose builds the component on first use.
@@ -35,7 +35,7 @@ class Server {
   HRESULT CanUnload() noexcept;
 
   // A new General. RPC_E_WRONG_THREAD outside the owning apartment and in any multi-threaded one,
-  // CO_E_NOTINITIALIZED where COM is not running.
+  // CO_E_NOTINITIALIZED where COM is not running, CO_E_SERVER_STOPPING while the component ends.
   HRESULT CreateGeneral(REFIID iid, void** object) noexcept;
 
   // Ends the component now: its windows are closed, its connection is released. The next General builds a new one.
@@ -51,13 +51,16 @@ class Server {
 
  private:
   HRESULT Claim() noexcept;
+  HRESULT ComposeAndWatch() noexcept;
 
   const HMODULE module_;
   const Compose compose_;
   std::atomic<long> uses_{0};
-  std::mutex claim_;
-  // 0 while there is no component. Changed by the owning thread only, or by the one that becomes it.
+  // 0 while there is no component. Changed by the owning thread only, or by the one that becomes it. All that follows
+  // is the owning thread's.
   std::atomic<DWORD> owner_{0};
+  int claims_ = 0;  // in progress; more than one where a creation was entered again from a message
+  bool ending_ = false;
   std::shared_ptr<Composition> composition_;
   ComPtr<IUnknown> spy_;
   ULARGE_INTEGER spy_cookie_{};

@@ -4,6 +4,7 @@
 
 #include <ole2.h>
 
+#include <cwchar>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -146,6 +147,60 @@ TEST_P(RegisteredLibraryTest, LivesAndEndsWithCom) {
     }
   }
   EXPECT_EQ(loaded.Call("DllCanUnloadNow"), S_OK) << "COM has ended";
+  EXPECT_EQ(loaded.Call("DllUnregisterServer"), S_OK);
+}
+
+// Counts the windows that this thread makes, and makes none of the dialogs: a message box then ends at once.
+class WindowWatch {
+ public:
+  WindowWatch() : hook_(SetWindowsHookExW(WH_CBT, &WindowWatch::Look, nullptr, GetCurrentThreadId())) { windows = 0; }
+  ~WindowWatch() { UnhookWindowsHookEx(hook_); }
+  WindowWatch(const WindowWatch&) = delete;
+  WindowWatch& operator=(const WindowWatch&) = delete;
+
+  inline static int windows = 0;
+
+ private:
+  static LRESULT CALLBACK Look(int code, WPARAM wparam, LPARAM lparam) noexcept {
+    constexpr WORD kDialogClass = 0x8002;
+    if (code == HCBT_CREATEWND) {
+      const CREATESTRUCTW& made = *reinterpret_cast<const CBT_CREATEWNDW*>(lparam)->lpcs;
+      if (made.hwndParent != HWND_MESSAGE) ++windows;
+      if (GetClassWord(reinterpret_cast<HWND>(wparam), GCW_ATOM) == kDialogClass) return 1;
+    }
+    return CallNextHookEx(nullptr, code, wparam, lparam);
+  }
+
+  HHOOK hook_;
+};
+
+TEST_P(RegisteredLibraryTest, CreatingGeneralShowsNothingWhateverTheSettingsSay) {
+  const LoadedLibrary loaded(library);
+  ASSERT_EQ(loaded.Call("DllRegisterServer"), S_OK);
+  constexpr wchar_t kShared[] = L"SOFTWARE\\Ambrell\\Shared\\OUT";
+  wchar_t before[1024]{};
+  DWORD size = sizeof(before);
+  const bool was_there =
+      RegGetValueW(HKEY_LOCAL_MACHINE, kShared, L"DataServer", RRF_RT_REG_SZ, nullptr, before, &size) == ERROR_SUCCESS;
+  for (const wchar_t* server : {L"", L"\\", L"Contabilidade\\", L"SREF=", L"SREF=nowhere\\"}) {
+    SCOPED_TRACE(platform::FromWide(server));
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kShared, L"DataServer", REG_SZ, server,
+                    static_cast<DWORD>((std::wcslen(server) + 1) * sizeof(wchar_t)));
+    const Apartment apartment;
+    const WindowWatch watch;
+    CLSID class_id{};
+    ComPtr<IUnknown> general;
+    ASSERT_EQ(CLSIDFromProgID(L"Quenta_Produtos.General", &class_id), S_OK);
+    EXPECT_EQ(CoCreateInstance(class_id, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, general.ReceiveVoid()), S_OK);
+    general.Reset();
+    EXPECT_EQ(loaded.Call("DllCanUnloadNow"), S_OK);
+    EXPECT_EQ(watch.windows, 0);
+  }
+  if (was_there) {
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kShared, L"DataServer", REG_SZ, before, size);
+  } else {
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kShared, L"DataServer");
+  }
   EXPECT_EQ(loaded.Call("DllUnregisterServer"), S_OK);
 }
 

@@ -120,6 +120,34 @@ TEST_F(ServerTest, StaysLoadedWhileAnythingIsInUse) {
   EXPECT_EQ(CreateOn(server), S_OK) << "and a host that keeps the library can go on";
 }
 
+TEST_F(ServerTest, CreationsThatComeInMeanwhileAreAnsweredAtOnce) {
+  int attempts = 0;
+  Server entered(GetModuleHandleW(nullptr), [&]() -> std::unique_ptr<platform::Composition> {
+    if (++attempts == 1) {
+      // As from a timer of the host's, if building the component let messages through.
+      EXPECT_EQ(OnThread([&] {
+                  const Apartment other;
+                  return CreateOn(entered);
+                }),
+                RPC_E_WRONG_THREAD);
+      EXPECT_EQ(entered.CanUnload(), S_FALSE);
+      EXPECT_EQ(CreateOn(entered), S_OK);
+      EXPECT_EQ(entered.CanUnload(), S_FALSE) << "the other creation is still on its way";
+    }
+    return std::make_unique<RecordingComposition>(world);
+  });
+  const Apartment apartment;
+  EXPECT_EQ(CreateOn(entered), S_OK);
+  EXPECT_EQ(world.compositions, 1) << "both share the component that was built first";
+  world.while_ending = [&] { EXPECT_EQ(CreateOn(entered), CO_E_SERVER_STOPPING); };
+  EXPECT_EQ(entered.CanUnload(), S_OK);
+  EXPECT_EQ(world.ended, 1);
+  EXPECT_EQ(world.compositions, 0);
+  world.while_ending = nullptr;
+  EXPECT_EQ(CreateOn(entered), S_OK) << "and afterwards as ever";
+  EXPECT_EQ(entered.CanUnload(), S_OK);
+}
+
 TEST_F(ServerTest, AFailedCompositionLeavesTheServerUsable) {
   int attempts = 0;
   Server failing(GetModuleHandleW(nullptr), [&]() -> std::unique_ptr<platform::Composition> {

@@ -1,5 +1,8 @@
 #include "data/registry.h"
 
+#include <utility>
+
+#include "data/support_log.h"
 #include "gtest/gtest.h"
 #include "support/fake_ports.h"
 
@@ -75,6 +78,17 @@ TEST_F(RegistryTest, ReferencesAreFollowedAndACycleCountsAsMissing) {
   settings.registry[R"(SOFTWARE\C:v)"] = R"(SREF=HKEY_LOCAL_MACHINE\software\a)";
   settings.registry[R"(software\a:v)"] = R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\B)";
   EXPECT_EQ(registry.ObterValorString(R"(HKEY_LOCAL_MACHINE\SOFTWARE\A)", "v"), Value::Null());
+}
+
+TEST_F(RegistryTest, SupportsLogIsNamedByTheMachineAlone) {
+  const std::string line = std::string(kKey) + ":StatementLog=C:\\of_a_user.log\r\n";
+  settings.files[kShadow] = line + "HKEY_LOCAL_MACHINE\\SOFTWARE\\Ambrell\\Shared\\OUT:DataServer=Contabilidade\r\n";
+  settings.registry[R"(SOFTWARE\Ambrell\Contabilidade:StatementLog)"] = " C:\\log.txt ";
+  EXPECT_EQ(data::StatementLogPath(settings), "");
+  for (const auto& [server, path] : {std::pair{"", ""}, {" ", ""}, {"Sarvat", ""}, {"Contabilidade", "C:\\log.txt"}}) {
+    settings.registry[R"(SOFTWARE\Ambrell\Shared\OUT:DataServer)"] = server;
+    EXPECT_EQ(data::StatementLogPath(settings), path) << server;
+  }
 }
 
 TEST_F(RegistryTest, ARewriteReplacesTheFirstMatchDropsTheOthersAndKeepsTheRest) {
