@@ -124,16 +124,7 @@ std::optional<std::string> Settings::ReadFile(const std::string& path) {
 }
 
 bool Settings::ReplaceContents(const std::string& path, const std::string& work_path, const std::string& bytes) {
-  const std::wstring wide_path = Wide(path);
-  const std::wstring wide_work_path = Wide(work_path);
-  if (GetFileAttributesW(wide_path.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
-  // ReplaceFile keeps the permissions and attributes of the file that is replaced.
-  if (WriteWholeFile(wide_work_path, bytes) && ::ReplaceFileW(wide_path.c_str(), wide_work_path.c_str(), nullptr,
-                                                              REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr)) {
-    return true;
-  }
-  DeleteFileW(wide_work_path.c_str());
-  return false;
+  return ReplaceWholeFile(Wide(path), Wide(work_path), bytes);
 }
 
 std::string Settings::InstallationFolder() {

@@ -14,6 +14,7 @@ namespace quenta::tests {
 namespace {
 
 using platform::Narrow;
+using platform::OwnedFile;
 using platform::Settings;
 using platform::Wide;
 
@@ -85,6 +86,55 @@ TEST_F(SettingsTest, AFileIsReplacedWholeOrNotAtAll) {
   EXPECT_EQ(settings_.ReadFile(path_), "after\r\n");
   EXPECT_FALSE(settings_.ReadFile(work_path_).has_value());
   CloseHandle(held);
+}
+
+// What the system leaves behind when replacing fails half-way, as it is documented for each error.
+TEST_F(SettingsTest, ReplacingThatFailsHalfWayLosesNothing) {
+  using Path = const std::wstring&;
+  static OwnedFile in_use;
+  const struct {
+    const char* what;
+    platform::ReplaceCall replace;
+    const char* left;
+    bool answer;
+  } cases[] = {
+      {"all goes well", &platform::ReplaceByTheSystem, "new", true},
+      {"the old file cannot be removed", [](Path, Path, Path) -> DWORD { return ERROR_UNABLE_TO_REMOVE_REPLACED; },
+       "old", false},
+      {"the new file cannot be moved, and the old one stays",
+       [](Path, Path, Path) -> DWORD { return ERROR_UNABLE_TO_MOVE_REPLACEMENT; }, "old", false},
+      {"the same where the old one has gone all the same",
+       [](Path path, Path, Path) -> DWORD {
+         DeleteFileW(path.c_str());
+         return ERROR_UNABLE_TO_MOVE_REPLACEMENT;
+       },
+       "new", true},
+      {"the old file was moved away",
+       [](Path path, Path, Path backup) -> DWORD {
+         MoveFileW(path.c_str(), backup.c_str());
+         return ERROR_UNABLE_TO_MOVE_REPLACEMENT_2;
+       },
+       "old", false},
+      {"it was moved away, and cannot be moved back",
+       [](Path path, Path, Path backup) -> DWORD {
+         MoveFileW(path.c_str(), backup.c_str());
+         in_use = OwnedFile(CreateFileW(backup.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+         return ERROR_UNABLE_TO_MOVE_REPLACEMENT_2;
+       },
+       "new", true},
+      {"anything else", [](Path, Path, Path) -> DWORD { return ERROR_ACCESS_DENIED; }, "old", false},
+  };
+  const std::wstring path = Wide(path_);
+  const std::wstring work = Wide(work_path_);
+  for (const auto& given : cases) {
+    SCOPED_TRACE(given.what);
+    ASSERT_TRUE(platform::WriteWholeFile(path, "old"));
+    EXPECT_EQ(platform::ReplaceWholeFile(path, work, "new", given.replace), given.answer);
+    EXPECT_EQ(settings_.ReadFile(path_), given.left);
+    EXPECT_FALSE(settings_.ReadFile(work_path_).has_value());
+    in_use = {};
+    DeleteFileW((work + L".old").c_str());
+  }
 }
 
 TEST_F(SettingsTest, AFileIsWrittenOrTheReasonIsToldByItsNumber) {
