@@ -1,5 +1,6 @@
 #include "base/convert.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -216,9 +217,21 @@ bool ReadTime(std::string_view text, CalendarTime& time) {
   return true;
 }
 
-}  // namespace
+// Whether a number that no double holds ("1e999", "0.1e-400") is too large for one, and not too small.
+bool IsTooLarge(const std::string& plain) {
+  const std::size_t mark = std::min(plain.find('e'), plain.size());
+  int exponent = 0;
+  if (mark < plain.size() &&
+      std::from_chars(plain.data() + mark + 1, plain.data() + plain.size(), exponent).ec != std::errc()) {
+    return plain[mark + 1] != '-';
+  }
+  const auto point = static_cast<int>(std::min(plain.find('.'), mark));
+  const auto first = static_cast<int>(plain.find_first_of("123456789"));
+  return point - first + exponent > 0;
+}
 
-std::optional<double> ParseNumber(std::string_view text, const Locale& locale) {
+// The number in a text, infinite when it is too large for a double; nothing when it is no number.
+std::optional<double> ReadNumber(std::string_view text, const Locale& locale) {
   bool negative = false;
   if (!TakeSurroundings(text, negative)) return std::nullopt;
   std::string plain;
@@ -241,7 +254,7 @@ std::optional<double> ParseNumber(std::string_view text, const Locale& locale) {
       if (text.front() == '-') plain += '-';
       text.remove_prefix(1);
     }
-    if (text.empty() || text.size() > 4) return std::nullopt;
+    if (text.empty()) return std::nullopt;
     plain += text;
     for (; !text.empty(); text.remove_prefix(1)) {
       if (!IsDigit(text.front())) return std::nullopt;
@@ -249,9 +262,39 @@ std::optional<double> ParseNumber(std::string_view text, const Locale& locale) {
   }
   if (!text.empty()) return std::nullopt;
   double number = 0;
-  const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), number);
-  if (error != std::errc() || !std::isfinite(number)) return std::nullopt;
+  const std::errc error = std::from_chars(plain.data(), plain.data() + plain.size(), number).ec;
+  if (error == std::errc::result_out_of_range && IsTooLarge(plain)) number = std::numeric_limits<double>::infinity();
   return negative ? -number : number;
+}
+
+}  // namespace
+
+std::optional<double> ParseNumber(std::string_view text, const Locale& locale) {
+  const auto number = ReadNumber(text, locale);
+  return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+std::optional<double> ParseTypedNumber(std::string_view text, const Locale& locale) {
+  const auto commas = std::count(text.begin(), text.end(), ',');
+  const auto points = std::count(text.begin(), text.end(), '.');
+  if (commas + points == 0) return ReadNumber(text, locale);
+  bool comma_is_decimal = commas == 1;
+  if (commas > 0 && points > 0) {
+    comma_is_decimal = text.rfind(',') > text.rfind('.');
+  } else if (commas + points > 1) {
+    comma_is_decimal = points > 0;
+  }
+  Locale typed = locale;
+  typed.decimal = comma_is_decimal ? "," : ".";
+  typed.thousands = comma_is_decimal ? "." : ",";
+  return ReadNumber(text, typed);
+}
+
+std::string PlainNumberText(std::string text, double number) {
+  double read = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stopped, error] = std::from_chars(text.data(), end, read);
+  return error == std::errc() && stopped == end && read == number ? text : NumberText(number);
 }
 
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {
@@ -369,7 +412,8 @@ std::int32_t RoundToLong(double number) {
 
 double RoundHalfEven(double number, int decimals) {
   const double scale = std::pow(10.0, decimals);
-  return RoundToEven(number * scale) / scale;
+  const double scaled = number * scale;
+  return std::isfinite(scaled) ? RoundToEven(scaled) / scale : number;
 }
 
 std::int32_t ToLong(const Value& value, const Locale& locale) {

@@ -17,6 +17,15 @@ namespace quenta::base {
 // on either side, a leading or trailing minus, parentheses, a decimal exponent. Nothing when it is not one number.
 std::optional<double> ParseNumber(std::string_view text, const Locale& locale);
 
+// The number that a user typed, whose decimal separator is "." or ",": the one that stands last when both do, and none
+// when one of them stands several times (it then separates thousands). Otherwise as ParseNumber. Infinite when it is
+// larger than any double; nothing when it is no number.
+std::optional<double> ParseTypedNumber(std::string_view text, const Locale& locale);
+
+// A number as statements take it: the text itself where it is that number with a point and nothing else, or else the
+// number's own text.
+std::string PlainNumberText(std::string text, double number);
+
 // The date and time in a text: numeric parts separated by "-", "/" or ".", in the locale's order or year first, with
 // an optional time of day. Nothing when there is no such date.
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale);
@@ -45,7 +54,7 @@ bool ToBoolean(const Value& value, const Locale& locale);
 // A 32-bit integer, rounded to the nearest, ties to even. Error 6 when it does not fit.
 std::int32_t RoundToLong(double number);
 
-// Rounded to this many decimals, ties to the even neighbour.
+// Rounded to this many decimals, ties to the even neighbour. A number too large to have decimals stays as it is.
 double RoundHalfEven(double number, int decimals);
 
 // Whether the conversions above would take it. Empty counts as the number 0; Null, dates and True/False do not follow

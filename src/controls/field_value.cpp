@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 #include <string_view>
 
@@ -118,9 +119,11 @@ void SetMask(MaskEdit& field, const Value& value, const Locale& locale) {
 std::string TextSql(const TextField& field, int code, const Locale& locale) {
   if (field.text().empty()) return "null";
   if (!KeepsNumber(code)) return base::SqlTextLiteral(field.text());
-  const auto number = base::ParseNumber(field.tag(), locale);
-  if (!number) return "null";
-  return base::ReplaceAll(field.tag(), ",", ".");
+  auto number = base::ParseNumber(field.tag(), locale);
+  // A column of texts may write its numbers otherwise than the user does.
+  if (!number) number = base::ParseTypedNumber(field.tag(), locale);
+  if (!number || !std::isfinite(*number)) return "null";
+  return base::PlainNumberText(base::ReplaceAll(field.tag(), locale.decimal, "."), *number);
 }
 
 std::string ComboSql(const ComboBox& box) {

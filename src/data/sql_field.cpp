@@ -14,16 +14,27 @@ namespace {
 constexpr session::Labels kLabels{"Torvik Pelora Software", "Ferramentas Administrativas", "modData",
                                   session::DescriptionStyle::kNumbered};
 
+// The number in a text as the user types it: with either separator as the decimal one.
+std::optional<double> LocalNumber(std::string text, const base::Locale& locale) {
+  const bool comma = text.find(',') != std::string::npos;
+  const bool point = text.find('.') != std::string::npos;
+  if (comma && point) {
+    text = base::ReplaceAll(text, locale.thousands, "");
+  } else {
+    text = base::ReplaceAll(text, ".", locale.decimal);
+    text = base::ReplaceAll(text, ",", locale.decimal);
+  }
+  return base::ParseNumber(text, locale);
+}
+
 std::string NumberLiteral(const base::Value& value, const base::Locale& locale) {
   if (value.kind() == base::ValueKind::kBoolean) return value.get<bool>() ? "1" : "0";
-  if (!IsLocalNumeric(value, locale)) return "null";
-  std::string text = base::ToText(value, locale);
-  if (text.find('-') != std::string::npos) {
-    // Through single precision: kept as the suite's databases have been filled by it.
-    const base::Value number = value.is_text() ? base::Value(text) : value;
-    text = base::ToText(base::ToSingle(number, locale), locale);
-  }
-  return base::ReplaceAll(text, ",", ".");
+  const std::string text = base::ToText(value, locale);
+  const auto number = LocalNumber(text, locale);
+  if (!number) return "null";
+  // Through single precision: kept as the suite's databases have been filled by it.
+  if (text.find('-') != std::string::npos) return base::NumberText(base::ToSingle(*number, locale));
+  return base::PlainNumberText(base::ReplaceAll(text, ",", "."), *number);
 }
 
 // What the form's date masks show when they are empty.
@@ -107,17 +118,7 @@ std::string ListField(session::Session& session, const base::Value& value, ListK
 }
 
 bool IsLocalNumeric(const base::Value& value, const base::Locale& locale) {
-  if (value.is_null()) return false;
-  std::string text = base::ToText(value, locale);
-  const bool comma = text.find(',') != std::string::npos;
-  const bool point = text.find('.') != std::string::npos;
-  if (comma && point) {
-    text = base::ReplaceAll(text, locale.thousands, "");
-  } else {
-    text = base::ReplaceAll(text, ".", locale.decimal);
-    text = base::ReplaceAll(text, ",", locale.decimal);
-  }
-  return base::ParseNumber(text, locale).has_value();
+  return !value.is_null() && LocalNumber(base::ToText(value, locale), locale).has_value();
 }
 
 }  // namespace quenta::data

@@ -51,6 +51,7 @@ TEST(ParseNumber, TakesWhatAUserTypesAndWhatAFieldShows) {
       {"5,", 5, std::nullopt},
       {"1E+15", 1e15, 1e15},
       {"1E999", std::nullopt, std::nullopt},
+      {"1E-999", 0, 0},
       {"", std::nullopt, std::nullopt},
       {"-", std::nullopt, std::nullopt},
       {",", std::nullopt, std::nullopt},

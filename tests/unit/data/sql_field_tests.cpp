@@ -53,6 +53,12 @@ TEST_F(SQLFieldTest, BuildsTheLiteralOfEachKind) {
       {SQLKind::kNumber, base::Currency{81301}, "8.1301"},
       {SQLKind::kNumber, -1234567.891, "-1234568"},  // seven digits once negative
       {SQLKind::kNumber, "-0,1", "-0.1"},
+      {SQLKind::kNumber, "-0.1", "-0.1"},
+      {SQLKind::kNumber, "1'234", "1234"},  // what is a number, but none of SQL's
+      {SQLKind::kNumber, "(12)", "-12"},
+      {SQLKind::kNumber, "€ 5", "5"},
+      {SQLKind::kNumber, "1.234,50", "1234.5"},
+      {SQLKind::kNumber, "-1.234,50", "-1234.5"},
       {SQLKind::kNumber, 1234567.891, "1234567.891"},
       {SQLKind::kNumber2, "7", "7"},
       {SQLKind::kPattern, "", "'%%'"},
