@@ -105,6 +105,13 @@ class Control {
   // Returns what is to be typed, 0 for nothing.
   int KeyPress(int key);
   bool focused() const noexcept { return focused_; }
+  // A command is to run without moving the focus, and finds the control left. False when what was typed was refused:
+  // the command is not to run then. Coming back runs no entry routine.
+  virtual bool LeftForCommand() {
+    LostFocus();
+    return true;
+  }
+  virtual void BackFromCommand() { focused_ = true; }
 
   // The view that shows this control, null while there is no window. The view outlives its attachment.
   void Attach(ControlView* view) noexcept { view_ = view; }

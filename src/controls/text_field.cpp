@@ -26,6 +26,25 @@ void TextField::SelectAll() {
   Select({0, base::Utf16Length(text_)});
 }
 
+bool TextField::LeftForCommand() {
+  left_ = {.typed = text_, .selection = selection_};
+  LostFocus();
+  left_.text = text_;
+  left_.tag = tag_;
+  return !left_.refused;
+}
+
+void TextField::BackFromCommand() {
+  Control::BackFromCommand();
+  if (!left_.refused && text_ == left_.text && tag_ == left_.tag) {
+    set_text(left_.typed);
+    Select(left_.selection);
+  } else {
+    GotFocus();  // to show what it holds now as it is typed
+    Select({base::Utf16Length(text_), 0});
+  }
+}
+
 void TextField::Typed(std::string text) {
   if (text_ == text) return;
   text_ = std::move(text);

@@ -41,11 +41,28 @@ class TextField final : public Control {
   // The user changed the text to this.
   void Typed(std::string text);
 
+  // The leave routine has not taken what was typed.
+  void Refuse() noexcept { left_.refused = true; }
+
+  // What stood in the field stands there again, as the user had it, unless it was refused, or the command has put
+  // something else in.
+  bool LeftForCommand() override;
+  void BackFromCommand() override;
+
  private:
   std::string text_;
   std::string tag_;
   bool locked_ = false;
   TextRange selection_;
+
+  // At the beginning of a command: what the user had in the field, and what leaving it has made of that.
+  struct {
+    std::string typed{};
+    TextRange selection{};
+    std::string text{};
+    std::string tag{};
+    bool refused = false;
+  } left_;
 };
 
 }  // namespace quenta::controls

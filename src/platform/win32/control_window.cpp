@@ -45,6 +45,17 @@ void ControlWindow::BeforeDestroy() noexcept {
   names_.Clear();
 }
 
+bool ControlWindow::LeaveForCommand() noexcept {
+  bool taken = true;
+  BeforeKey();
+  owner_.Event([&] { taken = model_.LeftForCommand(); });
+  return taken;
+}
+
+void ControlWindow::ComeBack() noexcept {
+  owner_.Event([this] { model_.BackFromCommand(); });
+}
+
 WPARAM ControlWindow::Typing(HWND window, WPARAM unit) noexcept {
   BeforeKey();
   auto key = static_cast<int>(CharacterFor(unit));

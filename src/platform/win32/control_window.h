@@ -34,8 +34,9 @@ class ControlOwner {
 
   // Tells the model what the user did. Nothing gets out; the form's window is not destroyed before this returns.
   virtual void Event(const std::function<void()>& tell) noexcept = 0;
-  // An event that starts a command without moving the focus: the focused field runs its leave routine before it, and
-  // its entry routine after it if the focus is still there.
+  // An event that starts a command without moving the focus: the focused field runs its leave routine before it; if
+  // that refuses what was typed, nothing else happens. If the focus is still there at the end, the user goes on where
+  // he was.
   virtual void Command(const std::function<void()>& run) noexcept = 0;
   // The user asks for a menu of the control, which belongs at this point of the screen.
   virtual void ContextMenu(POINT at, const std::function<void()>& tell) noexcept = 0;
@@ -83,6 +84,10 @@ class ControlWindow {
   virtual SIZE WindowSize(const Rect& place) const noexcept { return {place.width, place.height}; }
   // The window was given its place.
   virtual void Placed(const Rect& place) noexcept { (void)place; }
+  // A command is to begin while the control has the focus; false when it must not. And it has ended, with the focus
+  // still here.
+  bool LeaveForCommand() noexcept;
+  void ComeBack() noexcept;
   // Lets the window go of what it holds besides itself, while it still exists.
   virtual void BeforeDestroy() noexcept;
 

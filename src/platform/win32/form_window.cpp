@@ -167,12 +167,14 @@ void FormWindow::Event(const std::function<void()>& tell) noexcept {
 
 void FormWindow::Command(const std::function<void()>& run) noexcept {
   const std::shared_ptr<FormWindow> alive = shared_from_this();
+  ControlWindow* const left = std::exchange(focused_, nullptr);
   {
     const Counted hold(commands_);
-    if (ControlWindow* const left = std::exchange(focused_, nullptr)) {
-      Event([&] { left->model().LostFocus(); });
-    }
-    Event(run);
+    if (left == nullptr || left->LeaveForCommand()) Event(run);
+  }
+  if (left != nullptr && commands_ == 0 && focused_ == nullptr && (GetFocus() == nullptr || Find(GetFocus()) == left)) {
+    focused_ = left;
+    left->ComeBack();
   }
   FocusMoved();
 }
@@ -183,8 +185,10 @@ void FormWindow::FocusMoved() noexcept {
   // What a control does on losing or getting the focus may move it again; a form that never comes to rest is left.
   constexpr int kMostMoves = 20;
   for (int i = 0; i < kMostMoves && !closing_; ++i) {
-    ControlWindow* const now = Find(GetFocus());
-    if (now != nullptr) last_focus_ = GetFocus();
+    const HWND focus = GetFocus();
+    if (focus == nullptr) break;  // the user is in another program: the field waits as it is
+    ControlWindow* const now = Find(focus);
+    if (now != nullptr) last_focus_ = focus;
     if (now == focused_) break;
     if (focused_ != nullptr) {
       ControlWindow* const left = std::exchange(focused_, nullptr);

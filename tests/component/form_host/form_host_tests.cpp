@@ -187,7 +187,7 @@ TEST_F(FormHostTest, TheCloseBoxRunsTheLeaveRoutineBeforeTheUnloadProcedure) {
   FocusOn("FXValor");
   form->refuse_unload = true;
   const std::string events = EventsOf([&] { SendMessageW(window, WM_CLOSE, 0, 0); });
-  EXPECT_EQ(events, "FXValor lost focus, unload, FXValor got focus");
+  EXPECT_EQ(events, "FXValor lost focus, unload");
   form->Form::set_enabled(false);
   EXPECT_EQ(EventsOf([&] { SendMessageW(window, WM_CLOSE, 0, 0); }), "") << "a disabled form cannot be closed";
 }
