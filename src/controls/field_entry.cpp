@@ -1,6 +1,8 @@
 #include "controls/field_entry.h"
 
-#include <optional>
+#include <cmath>
+#include <cstdint>
+#include <limits>
 #include <string_view>
 
 #include "base/convert.h"
@@ -37,38 +39,22 @@ std::string LeaveFormat(int code) {
   }
 }
 
-// How often the sign stands in the text, and where last.
-struct SignUse {
-  std::size_t count = 0;
-  std::size_t last = 0;
-};
-
-SignUse UseOf(char sign, const std::string& text) {
-  SignUse use;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != sign) continue;
-    ++use.count;
-    use.last = i;
-  }
-  return use;
+// The number that was typed, 0 for what is none. A percentage may end in its sign.
+double TypedNumber(std::string_view text, int code, const Locale& locale) {
+  text = base::Trim(text);
+  if (code == kPercent && text.ends_with('%')) text.remove_suffix(1);
+  return base::ParseTypedNumber(text, locale).value_or(0);
 }
 
-// The number that the user typed, with "." and "," both taken as the decimal separator: the one that stands last when
-// both do, and none when one of them stands several times (it then separates thousands).
-std::optional<double> TypedNumber(std::string text, const Locale& locale) {
-  text = base::ReplaceAll(text, "%", "");
-  const SignUse commas = UseOf(',', text);
-  const SignUse points = UseOf('.', text);
-  char decimal = '\0';
-  if (commas.count > 0 && points.count > 0) {
-    decimal = commas.last > points.last ? ',' : '.';
-  } else if (commas.count + points.count == 1) {
-    decimal = commas.count == 1 ? ',' : '.';
+// Whether a column takes the number, and the field can show it again. Negative numbers enter statements, and
+// percentages their field, through single precision.
+bool Fits(double number, int code) {
+  constexpr double kLargestSingle = std::numeric_limits<float>::max();
+  if (code == kInteger) {
+    return std::fabs(number) <= std::numeric_limits<std::int32_t>::max();
   }
-  Locale typed = locale;
-  typed.decimal = decimal == '\0' ? (commas.count > 0 ? "." : ",") : std::string(1, decimal);
-  typed.thousands = typed.decimal == "," ? "." : ",";
-  return base::ParseNumber(text, typed);
+  if (number < 0 || code == kPercent) return std::fabs(number) <= kLargestSingle;
+  return std::isfinite(number);
 }
 
 std::string NumberInLocale(double number, const Locale& locale) {
@@ -83,7 +69,7 @@ void ShowRaw(TextField& field, int code, const Locale& locale) {
   const base::Value raw(field.tag());
   switch (code) {
     case kPercent:
-      field.set_text(base::ToText(base::Value(static_cast<float>(base::ToDouble(raw, locale) * 100)), locale));
+      field.set_text(base::ToText(base::Value(base::ToSingle(base::ToDouble(raw, locale) * 100, locale)), locale));
       break;
     case kInteger:
       field.set_tag(base::DecimalText(base::ToLong(raw, locale)));
@@ -103,17 +89,22 @@ void ShowRaw(TextField& field, int code, const Locale& locale) {
   field.SelectAll();
 }
 
-void TakeTyped(TextField& field, int code, const Locale& locale) {
-  if (field.text().empty()) return;
-  double number = TypedNumber(field.text(), locale).value_or(0);
-  if (code == kPercent) number /= 100;
-  if (code == kInteger) {
-    field.set_tag(base::DecimalText(base::RoundToLong(number)));
-    field.set_text(field.tag());
-    return;
+void ShowLeft(TextField& field, int code, const Locale& locale) {
+  field.set_text(code == kInteger || field.tag().empty() ? field.tag()
+                                                         : base::Format(field.tag(), LeaveFormat(code), locale));
+}
+
+bool TakeTyped(TextField& field, int code, const Locale& locale) {
+  if (field.text().empty()) return true;
+  const double number = TypedNumber(field.text(), code, locale);
+  const bool fits = Fits(number, code);
+  if (fits) {
+    field.set_tag(code == kInteger ? base::DecimalText(base::RoundToLong(number))
+                                   : NumberInLocale(code == kPercent ? number / 100 : number, locale));
   }
-  field.set_tag(NumberInLocale(number, locale));
-  field.set_text(base::Format(field.tag(), LeaveFormat(code), locale));
+  ShowLeft(field, code, locale);
+  if (!fits) field.Refuse();
+  return fits;
 }
 
 }  // namespace
@@ -138,14 +129,12 @@ void FieldGotFocus(Control& control, int code, const Locale& locale) {
   }
 }
 
-void FieldLostFocus(Control& control, int code, const Locale& locale) {
-  if (control.kind() != ControlKind::kTextField) return;
+bool FieldLostFocus(Control& control, int code, const Locale& locale) {
+  if (control.kind() != ControlKind::kTextField) return true;
   auto& field = static_cast<TextField&>(control);
-  if (IsNumberCode(code)) {
-    TakeTyped(field, code, locale);
-  } else if (code == kDate || code == kText) {
-    field.set_tag({});
-  }
+  if (IsNumberCode(code)) return TakeTyped(field, code, locale);
+  if (code == kDate || code == kText) field.set_tag({});
+  return true;
 }
 
 }  // namespace quenta::controls

@@ -11,6 +11,10 @@ namespace quenta::controls {
 // First character of the locale's decimal separator.
 std::string LocaleDecimal(const base::Locale& locale);
 
+// What the user is told when a field does not take a number.
+inline constexpr const char* kNumberTooLarge =
+    "O número que introduziu é demasiado grande para este campo, que fica com o valor que tinha.";
+
 // A field gets the focus: a numeric one shows its raw value (percentages times 100), all of it selected. Without a raw
 // value it becomes empty. Code 3 selects the text of a field or an editable box.
 void FieldGotFocus(Control& control, int code, const base::Locale& locale);
@@ -18,6 +22,8 @@ void FieldGotFocus(Control& control, int code, const base::Locale& locale);
 // A field loses the focus: what was typed becomes the raw value (percentages divided by 100) and is shown formatted.
 // What is no number becomes 0; an emptied field changes nothing. Code 10 shows three decimals here, and the plain
 // numbers have no negative part of their own: deliberately unlike ShowFormatted.
-void FieldLostFocus(Control& control, int code, const base::Locale& locale);
+// False when the number is beyond what a column holds: the field then shows its former value, and the user has to be
+// told.
+[[nodiscard]] bool FieldLostFocus(Control& control, int code, const base::Locale& locale);
 
 }  // namespace quenta::controls

@@ -1,4 +1,6 @@
 // What the record's fields do when the user types, chooses, enters and leaves.
+#include <algorithm>
+
 #include "base/convert.h"
 #include "base/text.h"
 #include "controls/auto_complete.h"
@@ -10,8 +12,6 @@ namespace quenta::product {
 namespace {
 
 using controls::key_code::kDelete;
-using controls::key_code::kShift;
-using controls::key_code::kTab;
 
 constexpr int kCode = controls::format_code::kText;
 constexpr int kDimension = controls::format_code::kNumber;
@@ -23,10 +23,27 @@ void frmMain::MarkAltered() {
   if (visible()) SetAltered(true);
 }
 
+// Keys that lead to a command, or out of the field, and change nothing in it.
+bool frmMain::IsCommandKey(int key) const {
+  using namespace controls::key_code;
+  if (key == kShift || key == kTab || key == kControl || key == kAlt) return true;
+  return std::any_of(shortcuts_.begin(), shortcuts_.end(), [key](const controls::Shortcut& shortcut) {
+    return shortcut.key == key && !shortcut.control && !shortcut.shift;
+  });
+}
+
+// The field is left. False when it does not take what was typed, which the user is told where he can mend it.
+bool frmMain::LeaveField(controls::Control& field, int code) {
+  if (controls::FieldLostFocus(field, code, session_.locale())) return true;
+  Tell({.text = controls::kNumberTooLarge, .icon = ports::Icon::kInformation});
+  host().Focus(*this, field.name().c_str());
+  return false;
+}
+
 void frmMain::AddFieldEvents() {
   const auto mark = [this] { MarkAltered(); };
-  const auto mark_unless_moving = [this](int key) {
-    if (key != kShift && key != kTab) MarkAltered();
+  const auto mark_at_key = [this](int key) {
+    if (!IsCommandKey(key)) MarkAltered();
   };
   const auto switch_on_focus = [this](controls::Control& field, int code) {
     field.on_got_focus = [this, &field, code] {
@@ -35,7 +52,7 @@ void frmMain::AddFieldEvents() {
     };
     field.on_lost_focus = [this, &field, code] {
       const std::string procedure = field.name() + "_LostFocus";
-      Guarded(procedure.c_str(), [&] { controls::FieldLostFocus(field, code, session_.locale()); });
+      Guarded(procedure.c_str(), [&] { LeaveField(field, code); });
     };
   };
 
@@ -61,7 +78,7 @@ void frmMain::AddFieldEvents() {
     };
   }
   FXFamilia_ID.on_lost_focus = [this] { FXFamilia_ID_LostFocus(); };
-  FXNome.on_key_down = mark_unless_moving;
+  FXNome.on_key_down = mark_at_key;
   FXNome.on_key_press = [this](int& key) {
     Guarded("FXNome_KeyPress", [&] {
       if (FXNome.locked()) return;
@@ -72,7 +89,7 @@ void frmMain::AddFieldEvents() {
   FXNome.on_got_focus = [this] { FXNome_GotFocus(); };
   FXMarca.on_got_focus = [this] { FXMarca_GotFocus(); };
   FXObs.on_change = mark;
-  FXObs.on_key_down = mark_unless_moving;
+  FXObs.on_key_down = mark_at_key;
 }
 
 // The subfamilies follow the family. A family that did not change keeps the subfamily that was chosen.

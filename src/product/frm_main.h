@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -231,27 +232,38 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // field_events.cpp
   void AddFieldEvents();
   void MarkAltered();
+  bool IsCommandKey(int key) const;
+  bool LeaveField(controls::Control& field, int code);
   void FXFamilia_ID_LostFocus();
   void FXNome_GotFocus();
   void FXMarca_GotFocus();
   void RefillNames(controls::ComboBox& box, const ports::RowSet& rows, const char* column);
 
   // prices.cpp
-  void SetInLine(int position, const std::string& text);
+  void ShowLine(int row);
+  void ForgetTyping();
+  void SetInLine(const std::string& key, int position, const std::string& text);
 
   // price_arithmetic.cpp
+  enum class Amount { kValor, kIva, kTotal };
+  struct AmountField {
+    controls::TextField& field;
+    const char* procedure;  // that leaves it
+    bool& altered;
+    int shown_position;  // of the line's sub-items; 0 for none
+    int raw_position;
+  };
+  AmountField FieldOf(Amount amount);
   void AddPriceEvents();
-  bool TakeAmount(controls::TextField& field, int shown_position, int raw_position, bool altered);
   void CopyToLine(const controls::TextField& field, int shown_position, int raw_position);
-  void ShowComputed(controls::TextField& field, double amount, int shown_position, int raw_position);
-  template <typename Rate>
-  void LookUpRate(Rate& rate);
-  float Amount(const controls::TextField& field);
-  void FXValor_LostFocus();
-  void FXIVA_LostFocus();
-  void FXTOTAL_LostFocus();
-  void FXDesconto_LostFocus();
+  void SetAmountInLine(const std::string& key, const std::string& raw, int shown_position, int raw_position);
+  void LeaveAmount(Amount amount);
+  void Compute(const std::string& key, Amount from);
+  bool AmountsAreComputed();
   void FXIva_ID_Click();
+
+  // vat_exemption.cpp
+  bool IsExempt(const std::string& iva_id);
 
   // stocks.cpp
   void AddStockCommands();
@@ -272,6 +284,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   bool CodeIsTaken();
   bool ExemptionsHaveReasons();
   void SaveRecord();
+  void ForgetEmptied();
   void SaveProduct();
   void SaveRelatives();
   void SavePrices(const std::string& produto_id);
@@ -297,6 +310,8 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   bool altered_ = false;
   bool filling_ = false;                                // while true, nothing marks the record as altered
   std::optional<std::int32_t> familia_of_subfamilias_;  // the family that the subfamily list belongs to
+  // Price lines, by key, whose amounts could not be computed because the rate could not be read, and from which amount.
+  std::map<std::string, Amount> uncomputed_;
   std::string main_id_;  // of the main product, in decimal, as the save in progress has read it; empty for none
 };
 

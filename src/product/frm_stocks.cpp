@@ -67,12 +67,18 @@ void frmStocks::AddEvents() {
     field->on_got_focus = [this, field] {
       Guarded(field->name() + "_GotFocus", [&] { controls::FieldGotFocus(*field, kNumber, session_.locale()); });
     };
-    field->on_lost_focus = [this, field] {
-      Guarded(field->name() + "_LostFocus", [&] { controls::FieldLostFocus(*field, kNumber, session_.locale()); });
-    };
+    field->on_lost_focus = [this, field] { Guarded(field->name() + "_LostFocus", [&] { LeaveField(*field); }); };
   }
   Command1.on_click = [this] { Command1_Click(); };
   Command2.on_click = [this] { Unload(); };
+}
+
+// False when the field does not take what was typed, which the user is told.
+bool frmStocks::LeaveField(controls::TextField& field) {
+  if (controls::FieldLostFocus(field, kNumber, session_.locale())) return true;
+  session_.ports().desktop.Ask({.text = controls::kNumberTooLarge, .icon = ports::Icon::kInformation}, this);
+  host().Focus(*this, field.name().c_str());
+  return false;
 }
 
 void frmStocks::OnLoad() {
@@ -121,7 +127,7 @@ void frmStocks::Command1_Click() {
     }
     // Enter presses the button without leaving the field that is being typed in.
     for (controls::TextField* field : {&FXStockMinimo, &FXReposicao}) {
-      if (field->focused()) controls::FieldLostFocus(*field, kNumber, session_.locale());
+      if (field->focused() && !LeaveField(*field)) return;
     }
     SaveRecord();
     ShowInList();

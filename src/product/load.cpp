@@ -61,6 +61,7 @@ void frmMain::Fill() {
 
 // What an earlier product left in the fields never stands under another one's identifier.
 void frmMain::ClearRecord() {
+  ForgetTyping();
   for (controls::Control* field : std::initializer_list<controls::Control*>{
            &FXCodigo,  &FXNome,          &FXDescontinuado, &FXTipo_ID, &FXFamilia_ID, &FXSub_Familia_ID,
            &FXMarca,   &FXFornecedor_ID, &FXCentro_ID,     &FXCor,     &FXTamanho,    &FXAltura,

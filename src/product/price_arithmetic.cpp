@@ -1,6 +1,8 @@
 // Value, VAT and total follow each other: whichever the user changed drives the other two through the selected rate.
 #include "product/price_arithmetic.h"
 
+#include <type_traits>
+
 #include "base/convert.h"
 #include "base/format.h"
 #include "controls/field_entry.h"
@@ -9,21 +11,24 @@
 #include "product/price_row.h"
 
 namespace quenta::product {
-namespace {
 
 using namespace controls::format_code;
-using controls::key_code::kShift;
-using controls::key_code::kTab;
-
-// What a field's row gets: its raw value, nothing when the user has emptied it.
-std::string RawOf(const controls::TextField& field) {
-  return field.text().empty() ? std::string() : field.tag();
-}
-
-}  // namespace
 
 double R5(double amount) {
   return base::RoundToLong(amount * 100000) / 100000.0;
+}
+
+frmMain::AmountField frmMain::FieldOf(Amount amount) {
+  using namespace price_position;
+  switch (amount) {
+    case Amount::kValor:
+      return {FXValor, "FXValor_LostFocus", ValorAltered, kShownPreco, kPreco};
+    case Amount::kIva:
+      return {FXIVA, "FXIVA_LostFocus", IVAAltered, 0, kIva};
+    case Amount::kTotal:
+      break;
+  }
+  return {FXTOTAL, "FXTOTAL_LostFocus", TotalAltered, kShownTotal, kTotal};
 }
 
 void frmMain::AddPriceEvents() {
@@ -34,8 +39,8 @@ void frmMain::AddPriceEvents() {
       PrecosAltered = true;
       if (changed != nullptr) *changed = true;
     };
-    field.on_key_down = [mark](int key) {
-      if (key != kShift && key != kTab) mark();
+    field.on_key_down = [this, mark](int key) {
+      if (!IsCommandKey(key)) mark();
     };
     field.on_change = mark;
   };
@@ -45,18 +50,20 @@ void frmMain::AddPriceEvents() {
       Guarded(procedure.c_str(), [&] { controls::FieldGotFocus(field, code, session_.locale()); });
     };
   };
-  on_typing(FXValor, &ValorAltered);
-  on_typing(FXIVA, &IVAAltered);
-  on_typing(FXTOTAL, &TotalAltered);
   on_typing(FXDesconto, nullptr);
-  on_focus(FXValor, kAmount4);
-  on_focus(FXIVA, kAmount3);
-  on_focus(FXTOTAL, kAmount3);
+  for (const Amount amount : {Amount::kValor, Amount::kIva, Amount::kTotal}) {
+    const AmountField field = FieldOf(amount);
+    on_typing(field.field, &field.altered);
+    on_focus(field.field, amount == Amount::kValor ? kAmount4 : kAmount3);
+    field.field.on_lost_focus = [this, amount] { LeaveAmount(amount); };
+  }
   on_focus(FXDesconto, kPercent);
-  FXValor.on_lost_focus = [this] { FXValor_LostFocus(); };
-  FXIVA.on_lost_focus = [this] { FXIVA_LostFocus(); };
-  FXTOTAL.on_lost_focus = [this] { FXTOTAL_LostFocus(); };
-  FXDesconto.on_lost_focus = [this] { FXDesconto_LostFocus(); };
+  FXDesconto.on_lost_focus = [this] {
+    Guarded("FXDesconto_LostFocus", [&] {
+      LeaveField(FXDesconto, kPercent);
+      CopyToLine(FXDesconto, 0, price_position::kDesconto);
+    });
+  };
   FXIva_ID.on_click = [this] { FXIva_ID_Click(); };
 
   const auto mark_reason = [this] {
@@ -68,8 +75,8 @@ void frmMain::AddPriceEvents() {
   FXIVA_Descrit.on_change = mark_reason;
   FXIVA_Descrit.on_lost_focus = [this] {
     Guarded("FXIVA_Descrit_LostFocus", [&] {
-      SetInLine(price_position::kIvaDescrit, FXIVA_Descrit.text());
-      controls::FieldLostFocus(FXIVA_Descrit, kText, session_.locale());
+      SetInLine(PrecoKey, price_position::kIvaDescrit, FXIVA_Descrit.text());
+      LeaveField(FXIVA_Descrit, kText);
     });
   };
   ListView2.on_item_click = [this] {
@@ -77,88 +84,105 @@ void frmMain::AddPriceEvents() {
   };
 }
 
-// Takes what was typed into the field and its row. True when it has to drive the other two amounts.
-bool frmMain::TakeAmount(controls::TextField& field, int shown_position, int raw_position, bool altered) {
-  controls::FieldLostFocus(field, kAmount3, session_.locale());
-  CopyToLine(field, shown_position, raw_position);
-  return !field.locked() && altered && !field.text().empty() && FXIva_ID.ListIndex() >= 0;
-}
-
+// Into the field's row goes its raw value, nothing when the user has emptied it.
 void frmMain::CopyToLine(const controls::TextField& field, int shown_position, int raw_position) {
-  const std::string raw = RawOf(field);
+  SetAmountInLine(PrecoKey, field.text().empty() ? std::string() : field.tag(), shown_position, raw_position);
+}
+
+void frmMain::SetAmountInLine(const std::string& key, const std::string& raw, int shown_position, int raw_position) {
   if (shown_position != 0) {
-    SetInLine(shown_position, raw.empty() ? std::string() : base::Format(raw, "0.00", session_.locale()));
+    SetInLine(key, shown_position, raw.empty() ? std::string() : base::Format(raw, "0.00", session_.locale()));
   }
-  SetInLine(raw_position, raw);
+  SetInLine(key, raw_position, raw);
 }
 
-void frmMain::ShowComputed(controls::TextField& field, double amount, int shown_position, int raw_position) {
-  Set(field, amount, kAmount);
-  CopyToLine(field, shown_position, raw_position);
+// Takes what was typed into the field and its line, and lets it drive the other two amounts.
+void frmMain::LeaveAmount(Amount amount) {
+  const AmountField left = FieldOf(amount);
+  Guarded(left.procedure, [&] {
+    const bool taken = LeaveField(left.field, kAmount3);
+    CopyToLine(left.field, left.shown_position, left.raw_position);
+    if (taken && left.altered && !left.field.locked()) {
+      uncomputed_.erase(PrecoKey);
+      if (!left.field.text().empty() && FXIva_ID.ListIndex() >= 0) Compute(PrecoKey, amount);
+    }
+    left.altered = false;
+  });
 }
 
-// Before each computation, as long as the handler has no rate but 0: the server is asked for the selected one.
-template <typename Rate>
-void frmMain::LookUpRate(Rate& rate) {
-  if (rate != 0) return;
-  const ports::RowSet rows = session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " + Sql(FXIva_ID));
-  if (!rows.empty() && !rows.front()["tx"].is_null()) {
-    rate = static_cast<Rate>(base::ToDouble(rows.front()["tx"], session_.locale()));
+// Computes a line's other two amounts; with the key of the line that is shown, those in the entry fields too. When the
+// rate cannot be read, the line is noted as not computed.
+void frmMain::Compute(const std::string& key, Amount from) {
+  const base::Locale& locale = session_.locale();
+  const bool shown = key == PrecoKey;
+  const auto amount = [&](Amount which) {
+    const AmountField field = FieldOf(which);
+    return base::ToSingle(shown ? field.field.tag() : PriceRow(ListView2.Item(key)).At(field.raw_position), locale);
+  };
+  const auto set = [&](Amount which, double value) {
+    const AmountField field = FieldOf(which);
+    if (shown) Set(field.field, value, kAmount);
+    SetAmountInLine(key, base::ToText(value, locale), field.shown_position, field.raw_position);
+  };
+  // Before each computation, as long as there is no rate but 0: the server is asked for the selected one.
+  const auto look_up = [&](auto& rate) {
+    if (rate != 0) return;
+    try {
+      const ports::RowSet rows = session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " +
+                                                (shown ? Sql(FXIva_ID) : PriceRow(ListView2.Item(key)).iva_id()));
+      if (rows.empty() || rows.front()["tx"].is_null()) return;
+      rate = static_cast<std::remove_reference_t<decltype(rate)>>(base::ToDouble(rows.front()["tx"], locale));
+    } catch (const base::Error&) {
+      if (!key.empty()) uncomputed_[key] = from;
+      throw;
+    }
+  };
+
+  if (from == Amount::kIva) {
+    double rate = 0;  // double here, single in the other two: as the suite computes
+    const double vat = amount(Amount::kIva);
+    look_up(rate);
+    set(Amount::kTotal, rate == 0 ? 0 : R5(vat * (rate + 1) / rate));
+    look_up(rate);
+    set(Amount::kValor, rate == 0 ? 0 : R5(vat / rate));
+    return;
+  }
+  float rate = 0;
+  look_up(rate);
+  if (from == Amount::kValor) {
+    set(Amount::kTotal, R5(double{amount(Amount::kValor) * (rate + 1)}));
+    look_up(rate);
+    set(Amount::kIva, R5(double{amount(Amount::kTotal) / (rate + 1) * rate}));
+  } else {
+    set(Amount::kIva, R5(double{amount(Amount::kTotal) / (rate + 1) * rate}));
+    look_up(rate);
+    set(Amount::kValor, R5(double{amount(Amount::kTotal) / (rate + 1)}));
   }
 }
 
-float frmMain::Amount(const controls::TextField& field) {
-  return base::ToSingle(field.tag(), session_.locale());
-}
-
-void frmMain::FXValor_LostFocus() {
-  using namespace price_position;
-  Guarded("FXValor_LostFocus", [&] {
-    if (TakeAmount(FXValor, kShownPreco, kPreco, ValorAltered)) {
-      float rate = 0;
-      LookUpRate(rate);
-      ShowComputed(FXTOTAL, R5(double{Amount(FXValor) * (rate + 1)}), kShownTotal, kTotal);
-      LookUpRate(rate);
-      ShowComputed(FXIVA, R5(double{Amount(FXTOTAL) / (rate + 1) * rate}), 0, kIva);
-    }
-    ValorAltered = false;
-  });
-}
-
-void frmMain::FXTOTAL_LostFocus() {
-  using namespace price_position;
-  Guarded("FXTOTAL_LostFocus", [&] {
-    if (TakeAmount(FXTOTAL, kShownTotal, kTotal, TotalAltered)) {
-      float rate = 0;
-      LookUpRate(rate);
-      ShowComputed(FXIVA, R5(double{Amount(FXTOTAL) / (rate + 1) * rate}), 0, kIva);
-      LookUpRate(rate);
-      ShowComputed(FXValor, R5(double{Amount(FXTOTAL) / (rate + 1)}), kShownPreco, kPreco);
-    }
-    TotalAltered = false;
-  });
-}
-
-void frmMain::FXIVA_LostFocus() {
-  using namespace price_position;
-  Guarded("FXIVA_LostFocus", [&] {
-    if (TakeAmount(FXIVA, 0, kIva, IVAAltered)) {
-      double rate = 0;  // double here, single in the other two: as the suite computes
-      const double vat = Amount(FXIVA);
-      LookUpRate(rate);
-      ShowComputed(FXTOTAL, rate == 0 ? 0 : R5(vat * (rate + 1) / rate), kShownTotal, kTotal);
-      LookUpRate(rate);
-      ShowComputed(FXValor, rate == 0 ? 0 : R5(vat / rate), kShownPreco, kPreco);
-    }
-    IVAAltered = false;
-  });
-}
-
-void frmMain::FXDesconto_LostFocus() {
-  Guarded("FXDesconto_LostFocus", [&] {
-    controls::FieldLostFocus(FXDesconto, kPercent, session_.locale());
-    CopyToLine(FXDesconto, 0, price_position::kDesconto);
-  });
+// Lines whose rate could not be read are computed before they are saved. False when it cannot be read again, which the
+// user has been told; an amount too large to drive the others is saved as it was typed.
+bool frmMain::AmountsAreComputed() {
+  for (int i = 0; i < ListView2.Count(); ++i) {
+    const std::string key = ListView2.At(i).key;
+    const auto entry = uncomputed_.find(key);
+    if (entry == uncomputed_.end()) continue;
+    const Amount amount = entry->second;
+    const AmountField field = FieldOf(amount);
+    uncomputed_.erase(entry);
+    Guarded(field.procedure, [&] {
+      Compute(key, amount);
+      if (key == PrecoKey) field.altered = false;
+    });
+    if (uncomputed_.find(key) == uncomputed_.end()) continue;
+    Tell({.text = "Não foi possível ler a taxa de IVA do preço '" + PriceRow(ListView2.At(i)).tipo() +
+                  "'.\nO produto não foi gravado. Tente gravar de novo.",
+          .icon = ports::Icon::kInformation});
+    ShowLine(i);
+    host().Focus(*this, field.field.name().c_str());
+    return false;
+  }
+  return true;
 }
 
 // Another rate keeps the value without VAT and recomputes the rest.
@@ -168,11 +192,11 @@ void frmMain::FXIva_ID_Click() {
     SetAltered(true);
     PrecosAltered = true;
     const auto iva_id = FXIva_ID.SelectedItemData();
-    SetInLine(price_position::kIvaId, iva_id ? Sql(FXIva_ID) : "0");
+    SetInLine(PrecoKey, price_position::kIvaId, iva_id ? Sql(FXIva_ID) : "0");
     ValorAltered = true;
     FillIsencaoIVA();
     controls::FieldGotFocus(FXValor, kAmount, session_.locale());
-    FXValor_LostFocus();
+    LeaveAmount(Amount::kValor);
   });
 }
 

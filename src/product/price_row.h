@@ -39,9 +39,9 @@ class PriceRow {
   const std::string& iva_descrit() const { return At(price_position::kIvaDescrit); }
   bool is_default() const { return item_.small_icon == kDefaultLineIcon; }
 
- private:
   const std::string& At(int position) const { return item_.sub_items.at(static_cast<std::size_t>(position - 1)); }
 
+ private:
   const controls::ListItem& item_;
 };
 

@@ -33,6 +33,7 @@ bool frmMain::Fill_Precos() {
         base::DecimalText(produto_id_) + " ORDER BY tbProdutos_Precos_Tipos.descrit");
     PrecoKey.clear();
     PrecosAltered = false;
+    uncomputed_.clear();
     ListView2.Clear();
     if (lines.empty()) return true;
     const std::size_t tipo_id = lines.Column("tipo_id");
@@ -66,13 +67,16 @@ void frmMain::ShowPreco(const std::string& key) {
     using namespace controls::format_code;
     const bool altered = altered_;
     const PriceRow line(ListView2.Item(key));
+    // What the user has emptied in the line is nothing, and shows as that.
+    const auto number = [](const std::string& raw) { return raw.empty() ? base::Value::Null() : base::Value(raw); };
     PrecoKey = key;
+    ForgetTyping();
     Set(FXTipo, line.tipo(), kText);
-    Set(FXValor, line.preco(), kAmount);
-    Set(FXIVA, line.iva(), kAmount);
+    Set(FXValor, number(line.preco()), kAmount);
+    Set(FXIVA, number(line.iva()), kAmount);
     Set(FXIva_ID, line.iva_id());
-    Set(FXTOTAL, line.preco_total(), kAmount);
-    Set(FXDesconto, line.desconto(), kPercent);
+    Set(FXTOTAL, number(line.preco_total()), kAmount);
+    Set(FXDesconto, number(line.desconto()), kPercent);
     FillIsencaoIVA();
     Set(FXIVA_Descrit, line.iva_descrit());
     altered_ = altered;
@@ -95,10 +99,23 @@ void frmMain::mnProdutosPredef_Click() {
   });
 }
 
-// Writes into the row of the line that is shown; into none when no line is.
-void frmMain::SetInLine(int position, const std::string& text) {
-  if (PrecoKey.empty()) return;
-  ListView2.Item(PrecoKey).sub_items.at(static_cast<std::size_t>(position - 1)) = text;
+// Takes the user to a line that cannot be saved as it is: what he does next is done to it.
+void frmMain::ShowLine(int row) {
+  ShowTab("precos");
+  ListView2.Select(row);
+  const std::string& key = ListView2.At(row).key;
+  if (key != PrecoKey) ShowPreco(key);
+}
+
+// What the user typed belonged to another line, or another product.
+void frmMain::ForgetTyping() {
+  ValorAltered = IVAAltered = TotalAltered = false;
+}
+
+// Writes into the line's row; into none when there is no line.
+void frmMain::SetInLine(const std::string& key, int position, const std::string& text) {
+  if (key.empty()) return;
+  ListView2.Item(key).sub_items.at(static_cast<std::size_t>(position - 1)) = text;
   ListView2.ItemsChanged();
 }
 

@@ -1,4 +1,5 @@
 // Saves the product: permission, validations, the product's row, its relatives, its prices.
+#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -40,7 +41,9 @@ bool frmMain::Gravar() {
             .icon = Icon::kCritical});
       return false;
     }
-    if (!record_shown_ || !FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons()) return false;
+    if (!record_shown_ || !FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons() || !AmountsAreComputed()) {
+      return false;
+    }
     SaveRecord();
     Toolbar1.EnableButton("apagar", true);
     Toolbar1.EnableButton("duplicar", true);
@@ -64,8 +67,21 @@ void frmMain::SaveRecord() {
   }
   transaction.Commit();
   // Only now: had the commit failed, the next try would need them.
+  ForgetEmptied();
   PrecosAltered = false;
   new_product_ = false;
+}
+
+// A field that the user emptied keeps its raw value until null is saved in its place, and not longer: the next one who
+// enters it would bring it back.
+void frmMain::ForgetEmptied() {
+  const auto forget = [](std::initializer_list<controls::TextField*> fields) {
+    for (controls::TextField* field : fields) {
+      if (field->text().empty()) field->set_tag({});
+    }
+  };
+  forget({&FXAltura, &FXLargura, &FXProfundidade});
+  if (PrecosAltered) forget({&FXValor, &FXIVA, &FXTOTAL, &FXDesconto});
 }
 
 bool frmMain::FieldsAreValid() {
@@ -101,13 +117,12 @@ bool frmMain::CodeIsTaken() {
 bool frmMain::ExemptionsHaveReasons() {
   for (int i = 0; i < ListView2.Count(); ++i) {
     const PriceRow line(ListView2.At(i));
-    if (line.iva_id() == "0" || !line.iva_descrit().empty()) continue;
-    const ports::RowSet rates = session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " + line.iva_id());
-    if (rates.empty() || rates.front()["tx"].is_null() || base::IsNonZero(rates.front()["tx"])) continue;
+    if (line.iva_id() == "0" || !base::Trim(line.iva_descrit()).empty() || !IsExempt(line.iva_id())) continue;
     Tell({.text = "O preço '" + line.tipo() +
                   "' tem isenção de IVA.\nÉ obrigatório indicar um motivo para a Isenção de IVA.",
           .icon = Icon::kInformation});
-    ListView2.Select(i);
+    ShowLine(i);
+    if (!FXIVA_Descrit.enabled()) FillIsencaoIVA();
     host().Focus(*this, "FXIVA_Descrit");
     return false;
   }

@@ -7,18 +7,21 @@
 
 namespace quenta::product {
 
+// The rate by its identifier as SQL. One that is not in the table counts as exempt.
+bool frmMain::IsExempt(const std::string& iva_id) {
+  const ports::RowSet rates = session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " + iva_id);
+  return rates.empty() || !base::IsNonZero(rates.front()["tx"]);
+}
+
 void frmMain::FillIsencaoIVA() {
   Guarded("FillIsencaoIVA", [&] {
-    const ports::RowSet rates =
-        session_.Query("SELECT * FROM tbTaxas_Iva WHERE iva_id = " + Sql(FXIva_ID, controls::format_code::kNumber));
-    // A rate that is not in the table counts as exempt.
-    const bool exempt = rates.empty() || !base::IsNonZero(rates.front()["tx"]);
+    const bool exempt = IsExempt(Sql(FXIva_ID, controls::format_code::kNumber));
     if (exempt) {
       data::ControlFill(session_, *this, FXIVA_Descrit, "SELECT * FROM tbTaxas_IVA_Insencoes ORDER BY descrit",
                         "descrit", "isencao_id");
     } else {
       Set(FXIVA_Descrit, base::Value::Null());
-      SetInLine(price_position::kIvaDescrit, "");
+      SetInLine(PrecoKey, price_position::kIvaDescrit, "");
     }
     FXIVA_Descrit.set_enabled(exempt);
     FXIVA_Descrit_Label.set_enabled(exempt);

@@ -88,30 +88,5 @@ TEST_F(PriceFormTest, AnExemptLineAsksForItsReason) {
   EXPECT_TRUE(Reports().empty());
 }
 
-TEST_F(PriceFormTest, AnAmountBeyondTheBoundIsReportedAndTheOthersStay) {
-  const FormOnScreen form = OpenCode("10023");
-  const std::string vat = form.Text("FXIVA");
-  form.TypeOver("FXTOTAL", "3000000");
-  form.FocusOn("FXNome");
-  EXPECT_EQ(Reports().size(), 1U);
-  EXPECT_EQ(form.Text("FXIVA"), vat);
-  form.TypeOver("FXTOTAL", "21000");
-  form.FocusOn("FXNome");
-  EXPECT_TRUE(Reports().empty());
-  EXPECT_NE(form.Text("FXIVA"), vat);
-}
-
-TEST_F(PriceFormTest, ChangedPricesAreOfferedToTheDependants) {
-  const FormOnScreen form = OpenCode("10300");
-  form.TypeOver("FXTOTAL", "50");
-  AnswerNext(IDYES);
-  form.PressButton("Toolbar1", "gravar");
-  EXPECT_EQ(box_text,
-            "Os preços deste produto foram alterados.\nDeseja replicar essas alterações para os produtos dependentes?");
-  EXPECT_EQ(box_title, "Alteração de Preços");
-  EXPECT_EQ(Stored("10300-CS-42", "preco_total", 1), "50");
-  EXPECT_TRUE(Reports().empty());
-}
-
 }  // namespace
 }  // namespace quenta::tests

@@ -44,6 +44,12 @@ TEST(TextFieldValue, IsShownAndReadBackByItsCode) {
       {8, -1.5, "- 1,500", "-1,5", "-1.5"},
       {9, *base::MakeDate({2017, 12, 31, 14, 5, 9}), "31-12-2017 14:05:09", "", "'31-12-2017 14:05:09'"},
       {10, 1.23456, "€ 1,2346", "1,23456", "1.23456"},
+      // Out of a column of texts: the number goes back as SQL writes it.
+      {2, "1'234", "1.234,00", "1'234", "1234"},
+      {4, "(12)", "€ -12,00", "(12)", "-12"},
+      {4, "12-", "€ -12,00", "12-", "-12"},
+      {2, "€ 5", "5,00", "€ 5", "5"},
+      {4, "1.234", "€ 1.234,00", "1.234", "1234"},
       {4, Value::Null(), "", "", "null"},
       {0, Value::Null(), "", "", "null"},
   };
@@ -141,6 +147,8 @@ TEST(FieldEntry, ANumericFieldSwitchesBetweenItsRawValueAndItsDisplay) {
       {4, "1", "1", "12-", "-12", "€ -12,00"},
       {4, "1", "1", "abc", "0", "€ 0,00"},
       {4, "1", "1", "1.234.567", "1234567", "€ 1.234.567,00"},
+      {4, "1", "1", "5 %", "0", "€ 0,00"},
+      {5, "0,23", "23", "5%5", "0", "0,00 %"},
       {5, "0,23", "23", "6", "0,06", "6,00 %"},
       {5, "0,23", "23", "13,5 %", "0,135", "13,50 %"},
       {6, "12,5", "12", "7,5", "8", "8"},
@@ -158,21 +166,10 @@ TEST(FieldEntry, ANumericFieldSwitchesBetweenItsRawValueAndItsDisplay) {
     EXPECT_EQ(field.text(), c.shown_on_entry);
     EXPECT_EQ(field.selection().length, field.text().size()) << "all selected";
     field.Typed(c.typed);
-    controls::FieldLostFocus(field, c.code, Points());
+    EXPECT_TRUE(controls::FieldLostFocus(field, c.code, Points()));
     EXPECT_EQ(field.tag(), c.tag_after);
     EXPECT_EQ(field.text(), c.text_after);
   }
-}
-
-TEST(FieldEntry, AnEmptiedFieldKeepsItsRawValueAndIsSavedAsNull) {
-  TextField field("FX");
-  controls::SetFieldValue(field, 5, 4, Points());
-  controls::FieldGotFocus(field, 4, Points());
-  field.Typed("");
-  controls::FieldLostFocus(field, 4, Points());
-  EXPECT_EQ(field.tag(), "5");
-  EXPECT_EQ(field.text(), "");
-  EXPECT_EQ(controls::GetFieldValue(field, 4, Points()), "null");
 }
 
 // Numbers come from the numeric pad, whose decimal key is not the same everywhere, and from two habits of writing.
@@ -182,20 +179,30 @@ TEST(FieldEntry, BothDecimalSignsWorkInEveryNumericFieldWhateverTheLocale) {
       for (const char* typed : {"12.5", "12,5", " 12,5 ", "12.50", "12,50"}) {
         TextField field("FX");
         field.Typed(typed);
-        controls::FieldLostFocus(field, code, locale);
+        EXPECT_TRUE(controls::FieldLostFocus(field, code, locale));
         EXPECT_EQ(controls::GetFieldValue(field, code, locale), code == 5 ? "0.125" : "12.5") << typed << ' ' << code;
       }
     }
   }
 }
 
-TEST(FieldEntry, WorksWithAnEnglishLocale) {
-  TextField field("FX");
-  field.Typed("1.234,50");
-  controls::FieldLostFocus(field, 4, EnglishLocale());
-  EXPECT_EQ(field.tag(), "1234.5");
-  EXPECT_EQ(field.text(), "€ 1,234.50");
-  EXPECT_EQ(controls::LocaleDecimal(EnglishLocale()), ".");
+TEST(FieldEntry, ANumberBeyondTheColumnIsRefusedAndNothingShowsInf) {
+  const std::string nines(400, '9');
+  const struct {
+    int code;
+    const char* typed;
+    bool taken;
+  } cases[] = {{4, "1E400", false},      {4, nines.c_str(), false}, {2, "1E99999", false}, {7, "-1E39", false},
+               {6, "2147483648", false}, {5, "1E39", false},        {10, "1E308", true},   {2, "-1E38", true}};
+  for (const auto& [code, typed, taken] : cases) {
+    TextField field("FX");
+    controls::SetFieldValue(field, 7, code, EnglishLocale());
+    field.Typed(typed);
+    EXPECT_EQ(controls::FieldLostFocus(field, code, EnglishLocale()), taken) << typed;
+    EXPECT_EQ(field.tag() == "7", !taken) << field.tag();
+    controls::FieldGotFocus(field, code, EnglishLocale());
+    EXPECT_EQ(field.text().find("inf"), std::string::npos) << typed;
+  }
 }
 
 }  // namespace

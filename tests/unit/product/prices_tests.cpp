@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "base/convert.h"
 #include "base/error.h"
@@ -34,6 +35,11 @@ class PricesTest : public SampleComponentTest {
   std::string Line() {
     const product::PriceRow line(form->ListView2.Item(form->PrecoKey));
     return line.preco() + " | " + line.iva() + " | " + line.preco_total();
+  }
+  // A price row of the product in the database.
+  std::string Stored(const std::string& column, const std::string& tipo_id) {
+    return SqlText("SELECT " + column + " FROM tbProdutos_Precos WHERE tipo_id = " + tipo_id +
+                   " AND produto_id = " + std::to_string(form->ProdutoId()));
   }
   void ChooseRate(double tx) {
     Sql("UPDATE tbTaxas_Iva SET tx = " + base::ReplaceAll(base::ToText(tx, EnglishLocale()), ",", ".") +
@@ -78,10 +84,9 @@ TEST_F(PricesTest, WhatIsTypedDrivesTheOtherTwo) {
       {"value at no rate", &frmMain::FXValor, "7,5", 0, "7,5 | 0 | 7,5"},
       {"value with a point", &frmMain::FXValor, "12.5", 0.06, "12,5 | 0,75 | 13,25"},
       {"letters", &frmMain::FXValor, "abc", 0.23, "0 | 0 | 0"},
+      {"what is no percentage either", &frmMain::FXTOTAL, "5%5", 0.23, "0 | 0 | 0"},
       // Single precision carries seven digits.
       {"thousands as in Portugal", &frmMain::FXValor, "1.234,50", 0.06, "1234,5 | 74,07 | 1308,56995"},
-      {"thousands as elsewhere", &frmMain::FXValor, "1,234.50", 0.06, "1234,5 | 74,07 | 1308,56995"},
-      {"a currency sign", &frmMain::FXTOTAL, "€ 12,30", 0.23, "10 | 2,3 | 12,3"},
       {"a minus behind", &frmMain::FXValor, "12-", 0.5, "-12 | -6 | -18"},
   };
   for (const AmountCase& c : cases) {
@@ -145,17 +150,130 @@ TEST_F(PricesTest, WithoutALineTheFieldsWriteNowhere) {
   EXPECT_TRUE(reporting.reports.empty());
 }
 
-TEST_F(PricesTest, AnAmountBeyondThirtyTwoBitsEndsTheHandler) {
+TEST_F(PricesTest, AnAmountBeyondThirtyTwoBitsEndsTheHandlerAndIsSavedAsTyped) {
   const std::string vat = form->FXIVA.tag();
+  const std::function<void()> elsewhere[] = {[&] { form->ListView2.Clicked(0); }, [&] { form->Fill(); },
+                                             [&] { form->Duplicar(); }};
+  desktop.answer = ports::Answer::kYes;
+  for (const auto& go : elsewhere) {
+    reporting.reports.clear();
+    Type(form->FXTOTAL, "2147483648");
+    ASSERT_EQ(reporting.reports.size(), 1U);
+    EXPECT_EQ(reporting.reports[0].procedure, "FXTOTAL_LostFocus");
+    EXPECT_TRUE(form->TotalAltered) << "the rest of the handler did not run";
+    go();
+    EXPECT_FALSE(form->TotalAltered) << "another line's field";
+  }
+  Open("10000");
   Type(form->FXTOTAL, "2147483648");
-  ASSERT_EQ(reporting.reports.size(), 1U);
-  EXPECT_EQ(reporting.reports[0].procedure, "FXTOTAL_LostFocus");
-  EXPECT_EQ(form->FXIVA.tag(), vat);
-  EXPECT_TRUE(form->TotalAltered) << "the rest of the handler did not run";
+  EXPECT_TRUE(form->Gravar());
+  EXPECT_EQ(Stored("preco_total", "1") + " " + form->FXIVA.tag(), "2147483648 " + vat);
   EXPECT_EQ(product::R5(21474.83647), 21474.83647);
   EXPECT_THROW(product::R5(21474.83648), base::Error);
   EXPECT_EQ(product::R5(0.000005), 0.0) << "ties to even";
   EXPECT_EQ(product::R5(0.000015), 0.00002);
+}
+
+TEST_F(PricesTest, ANumberBeyondTheColumnIsRefusedInTheField) {
+  const std::string before = Amounts();
+  for (controls::TextField* const field : {&form->FXValor, &form->FXDesconto, &form->FXAltura}) {
+    const std::string raw = field->tag();
+    field->GotFocus();
+    field->Typed("1E400");
+    EXPECT_FALSE(field->LeftForCommand());
+    field->BackFromCommand();
+    EXPECT_EQ(field->text().find('E'), std::string::npos);
+    EXPECT_EQ(desktop.messages.size(), 1U) << field->name();
+    EXPECT_EQ(form_host.focused, field->name());
+    EXPECT_EQ(field->tag(), raw);
+    desktop.messages.clear();
+  }
+  EXPECT_EQ(Amounts(), before);
+}
+
+// What was emptied is nothing in its line. It can be taken back until null was saved, and does not come back after
+// that.
+TEST_F(PricesTest, AnEmptiedAmountIsNothingInItsLine) {
+  const int line = form->ListView2.selected();
+  const std::string total = form->FXTOTAL.text();
+  Type(form->FXTOTAL, "");
+  form->FXTOTAL.GotFocus();
+  form->FXTOTAL.LostFocus();
+  EXPECT_EQ(Stored("preco_total", "1"), base::ReplaceAll(form->FXTOTAL.tag(), ",", ".")) << total << " was taken back";
+  form->FXTOTAL.GotFocus();
+  form->FXTOTAL.Typed("");
+  form->FXTOTAL.LeftForCommand();
+  Type(form->FXDesconto, "");
+  ASSERT_TRUE(form->Gravar());
+  form->FXTOTAL.BackFromCommand();
+  form->FXTOTAL.LostFocus();
+  form->FXDesconto.GotFocus();
+  EXPECT_EQ(form->FXTOTAL.text() + form->FXDesconto.text(), "") << "what null was saved for is gone";
+  form->FXDesconto.LostFocus();
+  form->ListView2.Clicked(0);
+  EXPECT_FALSE(form->Altered()) << "showing a line alters nothing";
+  EXPECT_NE(form->FXTOTAL.text(), "");
+  form->ListView2.Clicked(line);
+  EXPECT_EQ(form->FXTOTAL.text() + form->FXDesconto.text(), "") << "the other line's";
+  form->mnProdutosPredef_Click();
+  ASSERT_TRUE(form->Gravar());
+  EXPECT_EQ(Stored("preco_total", "1") + Stored("desconto", "1"), "(null)(null)");
+  EXPECT_EQ(OpenForm(form->ProdutoId())->FXTOTAL.text(), "€ 0,00");
+}
+
+TEST_F(PricesTest, AComputationWithoutItsRateIsMadeBySavingOrTheSaveIsRefused) {
+  const int line = form->ListView2.selected();
+  form->ListView2.Clicked(line);
+  const std::string key = form->PrecoKey;
+  ASSERT_TRUE(form->Gravar()) << "from now on, the policies are known";
+  database.Forget();
+  ASSERT_TRUE(form->Gravar());
+  const auto begin = std::find(database.statements.begin(), database.statements.end(), "BEGIN");
+  ASSERT_NE(begin, database.statements.end());
+  const int last_question = database.positions.at(static_cast<std::size_t>(begin - database.statements.begin()) - 1);
+  database.Forget();
+  database.fail_at = 0;
+  Type(form->FXTOTAL, "10,60");
+  EXPECT_EQ(reporting.reports.size(), 1U);
+  form->ListView2.Clicked(0);
+  form->TabStrip1.SelectKey("vendas");
+  database.Forget();
+  database.fail_at = last_question;
+  EXPECT_FALSE(form->Gravar());
+  EXPECT_EQ(std::count(database.statements.begin(), database.statements.end(), "BEGIN"), 0);
+  ASSERT_FALSE(desktop.messages.empty());
+  EXPECT_EQ(
+      desktop.messages.back().text,
+      "Não foi possível ler a taxa de IVA do preço 'Venda ao público'.\nO produto não foi gravado. Tente gravar de "
+      "novo.");
+  EXPECT_EQ(form->PrecoKey + form_host.focused + form->TabStrip1.selected_key(), key + "FXTOTALprecos");
+  form->ListView2.Clicked(0);
+  ASSERT_TRUE(form->Gravar());
+  EXPECT_EQ(Stored("preco", "1") + " " + Stored("iva", "1"), "10 0.6");
+  form->ListView2.Clicked(line);
+  EXPECT_EQ(Amounts(), "10 | 0,6 | 10,6");
+}
+
+// Ctrl+S and the like: what was typed since is computed, once, and the user goes on where he was.
+TEST_F(PricesTest, ACommandLeavesTheFieldAndComingBackChangesNothing) {
+  ChooseRate(0.23);
+  form->FXTOTAL.GotFocus();
+  form->FXTOTAL.Typed("10,1234567");
+  form->FXTOTAL.SelectionMoved({2, 3});
+  for (int i = 0; i < 2; ++i) {
+    database.Forget();
+    form->FXTOTAL.LeftForCommand();
+    EXPECT_EQ(form->FXTOTAL.text(), "€ 10,123");
+    EXPECT_EQ(database.statements.size(), i == 0 ? 1U : 0U) << "the rate";
+    form->FXTOTAL.BackFromCommand();
+    EXPECT_EQ(form->FXTOTAL.text(), "10,1234567");
+    EXPECT_EQ(form->FXTOTAL.selection(), (controls::TextRange{2, 3}));
+  }
+  form->FXTOTAL.LeftForCommand();
+  form->ListView2.Clicked(0);
+  form->FXTOTAL.BackFromCommand();
+  EXPECT_EQ(form->FXTOTAL.text(), "6,964") << "another line, as its field is entered";
+  EXPECT_EQ(form->FXTOTAL.selection().length, 0U);
 }
 
 // Whichever of the three is typed, the other two agree with exact arithmetic to the fifth decimal as far as single
@@ -213,34 +331,6 @@ TEST_F(PricesTest, ATaxedRateErasesTheReasonAndAnExemptOneOffersIt) {
   EXPECT_EQ(product::PriceRow(form->ListView2.Item(form->PrecoKey)).iva_descrit(), "");
   choose(4);
   EXPECT_EQ(form->FXIVA_Descrit.text(), "") << "offered again, nothing chosen";
-}
-
-TEST_F(PricesTest, AnotherLineIsShownMadeTheDefaultAndSaved) {
-  form->ListView2.Clicked(0);
-  EXPECT_FALSE(form->Altered()) << "showing a line alters nothing";
-  EXPECT_EQ(form->FXTipo.text(), "Grossista");
-  form->mnProdutosPredef_Click();
-  form->mnProdutosPredef_Click();
-  EXPECT_EQ(form->ListView2.At(0).text, "Grossista [Predefinido]");
-  Type(form->FXTOTAL, "10");
-  desktop.answer = ports::Answer::kNo;
-  ASSERT_TRUE(form->Gravar()) << (reporting.reports.empty() ? "refused" : reporting.reports[0].description);
-  const std::string where =
-      " FROM tbProdutos_Precos WHERE predef <> 0 AND produto_id = " + std::to_string(form->ProdutoId());
-  EXPECT_EQ(SqlText("SELECT tipo_id" + where), "3");
-  EXPECT_EQ(SqlText("SELECT preco" + where), "9.43396");
-  EXPECT_EQ(SqlText("SELECT COUNT(*)" + where), "1");
-  const auto again = OpenForm(form->ProdutoId());
-  EXPECT_EQ(again->FXTipo.text(), "Grossista");
-  EXPECT_EQ(again->FXTOTAL.text(), "€ 10,00");
-}
-
-TEST_F(PricesTest, TheStockListHasARowForEachWarehouse) {
-  const auto stocks = OpenForm(IdOfCode("10407"));
-  EXPECT_EQ(stocks->ListView1.Count(), std::stoi(SqlText("SELECT COUNT(*) FROM tbProdutos_Stocks WHERE produto_id = " +
-                                                         std::to_string(stocks->ProdutoId()))));
-  EXPECT_EQ(OpenForm(IdOfCode("10424"))->ListView1.Count(), 0);
-  EXPECT_TRUE(reporting.reports.empty());
 }
 
 }  // namespace

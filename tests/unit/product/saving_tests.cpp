@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "controls/field_value.h"
 #include "support/sample_component.h"
 
 namespace quenta::tests {
@@ -115,13 +116,28 @@ TEST_F(SavingTest, PricesAreRewrittenAndOfferedToTheDependants) {
   EXPECT_FALSE(form->PrecosAltered);
 }
 
-TEST_F(SavingTest, AnExemptLineNeedsAReason) {
+TEST_F(SavingTest, AnExemptLineNeedsAReasonWhichIsThenChosenInThatLine) {
   const auto form = OpenForm(IdOfCode("10000"));
-  form->ListView2.Clear();
-  AddPriceLine(*form, 2, "7,5", "4", "0", "7,5", "", false);
-  EXPECT_FALSE(form->Gravar());
-  EXPECT_EQ(desktop.messages.back().text,
-            "O preço 'Tipo 2' tem isenção de IVA.\nÉ obrigatório indicar um motivo para a Isenção de IVA.");
+  const auto reason = [&](const char* key) { return form->ListView2.Item(key).sub_items.at(8); };
+  for (const char* exempt : {"4", "99"}) {  // a rate of 0, and one that is not in the table any more
+    form->ListView2.Clear();
+    AddPriceLine(*form, 1, "7,5", "1", "1,73", "9,23", "", true);
+    AddPriceLine(*form, 2, "7,5", "0", "0", "7,5", "", false);  // no rate
+    AddPriceLine(*form, 3, "7,5", exempt, "0", "7,5", "  ", false);
+    form->ListView2.Clicked(0);
+    form->TabStrip1.SelectKey("vendas");
+    ASSERT_FALSE(form->Gravar());
+    EXPECT_EQ(desktop.messages.back().text,
+              "O preço 'Tipo 3' tem isenção de IVA.\nÉ obrigatório indicar um motivo para a Isenção de IVA.");
+    EXPECT_EQ(form->FXTipo.text() + form->TabStrip1.selected_key() + form_host.focused, "Tipo 3precosFXIVA_Descrit");
+    EXPECT_EQ(form->ListView2.selected(), 2);
+    ASSERT_TRUE(form->FXIVA_Descrit.enabled());
+    form->FXIVA_Descrit.Chosen(0);
+    form->FXIVA_Descrit.LostFocus();
+    EXPECT_EQ(reason("#1") + reason("#3"), form->FXIVA_Descrit.List(0));
+    controls::SetFieldValue(form->FXIva_ID, 4, 0, {});
+    EXPECT_TRUE(form->Gravar());
+  }
 }
 
 TEST_F(SavingTest, SavingANewProductUsesUpOneMoreCode) {
