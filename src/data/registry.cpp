@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ansi.h"
+#include "base/convert.h"
 #include "base/text.h"
 #include "component/session/guarded.h"
 
@@ -27,17 +28,31 @@ bool IsUserSetting(std::string_view key_path) {
   return base::StartsWithIgnoreCase(key_path, R"(HKEY_CURRENT_USER\SOFTWARE)");
 }
 
-// The lines of a text file, without their ends; a last line without an end counts.
-std::vector<std::string> SplitLines(const std::string& bytes) {
-  std::vector<std::string> lines;
+// A line of the shadow file: its text, and the bytes it stands there with, its end among them.
+struct Line {
+  std::string text;
+  std::string_view bytes;
+};
+
+// A last line without an end counts.
+std::vector<Line> SplitLines(std::string_view bytes) {
+  std::vector<Line> lines;
   for (std::size_t start = 0; start < bytes.size();) {
-    std::size_t end = bytes.find('\n', start);
-    if (end == std::string::npos) end = bytes.size();
-    const std::size_t length = end > start && bytes[end - 1] == '\r' ? end - start - 1 : end - start;
-    lines.push_back(base::FromAnsi(std::string_view(bytes).substr(start, length)));
-    start = end + 1;
+    const std::size_t end = std::min(bytes.find('\n', start), bytes.size() - 1) + 1;
+    const std::string_view line = bytes.substr(start, end - start);
+    const std::size_t length = line.ends_with("\r\n") ? line.size() - 2 : line.size() - (line.ends_with('\n') ? 1 : 0);
+    lines.push_back({base::FromAnsi(line.substr(0, length)), line});
+    start = end;
   }
   return lines;
+}
+
+// Whether a line of the file can hold this entry. What the code page lacks would be read back as another value, or be
+// added again with every read; a line end would make two entries of one, and programs that read the file as text end
+// at the other two characters.
+bool CanBeRecorded(const std::string& entry) {
+  return entry.find_first_of(std::string_view("\r\n\0\x1A", 4)) == std::string::npos &&
+         base::FromAnsi(base::ToAnsi(entry)) == entry;
 }
 
 // Whether the line holds the value of this prefix (key path, ":" and value name). What follows is not looked at, so
@@ -112,7 +127,9 @@ base::Value Registry::ObterValorString(const std::string& key_path, const std::s
     }
     if (!user_setting && result.is_null()) {
       result = default_value;
-      if (default_value.is_text()) DefinirValorShadow(last_key_path, value_name, default_value.text());
+      if (!default_value.is_null() && !IsUserSetting(last_key_path)) {
+        DefinirValorShadow(last_key_path, value_name, base::ToText(default_value, ports_.settings.UserLocale()));
+      }
     }
   });
   return result;
@@ -126,31 +143,38 @@ std::string Registry::ObterValorShadow(const std::string& key_path, const std::s
   const auto bytes = ports_.settings.ReadFile(ShadowFolder() + "RegShadow.db");
   if (!bytes) return {};
   const std::string prefix = key_path + ":" + value_name;
-  for (const std::string& line : SplitLines(*bytes)) {
-    if (!Matches(line, prefix)) continue;
+  for (const Line& line : SplitLines(*bytes)) {
+    if (!Matches(line.text, prefix)) continue;
     // One character, whichever it is, stands between the name and the value.
-    const std::u16string units = base::ToUtf16(line);
+    const std::u16string units = base::ToUtf16(line.text);
     return base::FromUtf16(units.substr(std::min(base::Utf16Length(prefix) + 1, units.size())));
   }
   return {};
 }
 
 bool Registry::DefinirValorShadow(const std::string& key_path, const std::string& value_name, const std::string& text) {
+  const std::string prefix = key_path + ":" + value_name;
+  const std::string entry = prefix + "=" + text;
+  if (!CanBeRecorded(entry)) return true;
   const std::string path = ShadowFolder() + "RegShadow.db";
   const auto bytes = ports_.settings.ReadFile(path);
   if (!bytes) return true;
-  const std::string prefix = key_path + ":" + value_name;
-  const std::string entry = prefix + "=" + text;
   std::string rewritten;
   bool placed = false;
-  for (const std::string& line : SplitLines(*bytes)) {
-    if (line == entry) return true;
-    const bool matches = Matches(line, prefix);
-    if (matches && placed) continue;
-    rewritten += base::ToAnsi(matches ? entry : line) + "\r\n";
-    placed = placed || matches;
+  for (const Line& line : SplitLines(*bytes)) {
+    if (line.text == entry) return true;
+    const bool matches = Matches(line.text, prefix);
+    if (!matches) {
+      rewritten += line.bytes;
+    } else if (!placed) {
+      rewritten += base::ToAnsi(entry) + "\r\n";
+      placed = true;
+    }
   }
-  if (!placed) rewritten += base::ToAnsi(entry) + "\r\n";
+  if (!placed) {
+    if (!rewritten.empty() && !rewritten.ends_with('\n')) rewritten += "\r\n";
+    rewritten += base::ToAnsi(entry) + "\r\n";
+  }
   ports_.settings.ReplaceContents(path, ShadowFolder() + "RegShadow.tmp", rewritten);
   return true;
 }

@@ -17,8 +17,9 @@ class Registry {
   explicit Registry(const session::Ports& ports) : ports_(ports) {}
 
   // The setting: from the shadow file, else from the registry through its references ("SREF=" and another key path),
-  // else the default, which is then recorded in the shadow file. Keys under HKEY_CURRENT_USER\SOFTWARE know neither
-  // shadow file nor default; registry_only passes the shadow file by when reading.
+  // else the default, whose text is then recorded in the shadow file. Keys under HKEY_CURRENT_USER\SOFTWARE know
+  // neither shadow file nor default, and nothing is recorded when references end there; registry_only passes the shadow
+  // file by when reading.
   base::Value ObterValorString(const std::string& key_path, const std::string& value_name,
                                const base::Value& default_value = base::Value::Null(), bool registry_only = false);
 
@@ -39,7 +40,8 @@ class Registry {
   // matches too; empty when there is none.
   std::string ObterValorShadow(const std::string& key_path, const std::string& value_name);
 
-  // Records a value in the shadow file, in the place of the lines that match. Always true; an absent file stays absent.
+  // Records a value in the shadow file, in the place of the lines that match; all others keep their bytes. Nothing is
+  // written of what one line of the file cannot hold, and an absent file stays absent. Always true.
   bool DefinirValorShadow(const std::string& key_path, const std::string& value_name, const std::string& text);
 
   std::string ObterPastaEspecial(int number) { return std::string(ports_.settings.SpecialFolder(number)); }

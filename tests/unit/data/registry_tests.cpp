@@ -66,8 +66,32 @@ TEST_F(RegistryTest, ADefaultThatWasUsedIsRecordedUnderTheEndOfTheReferences) {
 
   settings.files[kShadow] = "outra:linha=1\r\n";
   EXPECT_EQ(registry.ObterValorString(kKey, "Templates", "C:\\M"), Value("C:\\M"));
-  EXPECT_EQ(settings.files[kShadow],
-            "outra:linha=1\r\nHKEY_LOCAL_MACHINE\\SOFTWARE\\Ambrell\\Shared:Templates=C:\\M\r\n");
+  EXPECT_EQ(registry.ObterValorString(kKey, "Casas", 2.5), Value(2.5));
+  EXPECT_EQ(registry.ObterValorString(kKey, "Casas"), Value("2,5")) << "recorded as its text";
+  const std::string recorded = "outra:linha=1\r\nHKEY_LOCAL_MACHINE\\SOFTWARE\\Ambrell\\Shared:Templates=C:\\M\r\n" +
+                               std::string(kKey) + ":Casas=2,5\r\n";
+  EXPECT_EQ(settings.files[kShadow], recorded);
+
+  settings.registry[R"(SOFTWARE\Ambrell\Contabilidade:Pasta)"] = R"(SREF=hkey_current_user\Software\Ambrell)";
+  EXPECT_EQ(registry.ObterValorString(kKey, "Pasta", "C:\\P"), Value("C:\\P"));
+  EXPECT_EQ(settings.files[kShadow], recorded) << "the references end among the user's own settings";
+}
+
+// An entry is one line of text in the code page; what cannot be one is left out, and read as its default again.
+TEST_F(RegistryTest, WhatALineCannotHoldChangesAndAddsNoEntries) {
+  const std::string before = "a:x=1\n" + std::string(kKey) + ":Pasta=C:\\\x80\x81\r\nsem fim \x90";
+  settings.files[kShadow] = before;
+  for (const char* text : {"C:\\Modelos\\Ωmega", "C:\\🍷", "um\r\nb:y=2", "um\nb:y=2", "um\rdois", "\x1A"}) {
+    for (const auto& [name, value] : {std::pair{"Pasta", text}, {"Outra", text}, {text, "1"}}) {
+      registry.DefinirValorShadow(kKey, name, value);
+      EXPECT_EQ(settings.files[kShadow], before) << name << " = " << value;
+    }
+  }
+  EXPECT_EQ(registry.ObterValorString(kKey, "Outra", "Ω"), Value("Ω"));
+  registry.DefinirValorShadow(kKey, "Pasta", "ção");
+  registry.DefinirValorShadow("b", "y", "2");
+  EXPECT_EQ(settings.files[kShadow], "a:x=1\n" + std::string(kKey) + ":Pasta=\xE7\xE3o\r\nsem fim \x90\r\nb:y=2\r\n")
+      << "the other lines keep their bytes";
 }
 
 TEST_F(RegistryTest, ReferencesAreFollowedAndACycleCountsAsMissing) {
