@@ -73,6 +73,11 @@ CalendarTime ToCalendar(Date date) {
   return time;
 }
 
+double PointInTime(Date date) {
+  const double day = std::trunc(date.days);
+  return day + std::fabs(date.days - day);
+}
+
 Date EmptyDate() {
   return Date{2};
 }

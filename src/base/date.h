@@ -23,6 +23,9 @@ std::optional<Date> MakeDate(const CalendarTime& time);
 // Rounded to the nearest second. Error 6 outside the years 100 to 9999.
 CalendarTime ToCalendar(Date date);
 
+// Days since 30 December 1899, growing with time also before that day.
+double PointInTime(Date date);
+
 // 1 January 1900, which the suite stores and shows as "no date".
 Date EmptyDate();
 

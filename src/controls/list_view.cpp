@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/convert.h"
+#include "base/date.h"
 #include "base/error.h"
 #include "base/text.h"
 
@@ -25,14 +26,15 @@ struct SortKey {
   }
 };
 
-SortKey KeyOf(const std::string& cell, SortAs kind, const base::Locale& locale) {
+SortKey KeyOf(const base::Value& value, const std::string& cell, SortAs kind, const base::Locale& locale) {
   switch (kind) {
     case SortAs::kNumber:
-      return {base::ParseNumber(cell, locale), {}};
-    case SortAs::kDate: {
-      const std::optional<base::Date> date = base::ParseDate(cell, locale);
-      return {date ? std::optional(date->days) : std::nullopt, {}};
-    }
+      if (value.is_empty()) return {base::ParseNumber(cell, locale), {}};
+      return {base::IsNumeric(value, locale) ? std::optional(base::ToDouble(value, locale)) : std::nullopt, {}};
+    case SortAs::kDate:
+      return {
+          base::IsDate(value, locale) ? std::optional(base::PointInTime(base::ToDate(value, locale))) : std::nullopt,
+          {}};
     case SortAs::kText:
       break;
   }
@@ -104,6 +106,14 @@ const std::string& ListView::Cell(int row, int column) const {
   return position < item.sub_items.size() ? item.sub_items[position] : kNothing;
 }
 
+const base::Value& ListView::CellValue(int row, int column) const {
+  static const base::Value kNone;
+  if (row < 0 || row >= Count() || column < 0) return kNone;
+  const auto& values = items_[static_cast<std::size_t>(row)].values;
+  const auto position = static_cast<std::size_t>(column);
+  return position < values.size() ? values[position] : kNone;
+}
+
 void ListView::Select(int index) {
   selected_ = index >= 0 && index < Count() ? index : -1;
   if (multi_select) {
@@ -153,7 +163,9 @@ void ListView::Sort(const ListSort& sort, const base::Locale& locale) {
   const SortAs kind = columns_[static_cast<std::size_t>(sort.column)].sort_as;
   std::vector<SortKey> keys;
   keys.reserve(items_.size());
-  for (int i = 0; i < Count(); ++i) keys.push_back(KeyOf(Cell(i, sort.column), kind, locale));
+  for (int i = 0; i < Count(); ++i) {
+    keys.push_back(KeyOf(CellValue(i, sort.column), Cell(i, sort.column), kind, locale));
+  }
   std::vector<std::size_t> order(items_.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/locale.h"
+#include "base/value.h"
 #include "controls/control.h"
 
 namespace quenta::controls {
@@ -33,6 +34,9 @@ struct ListItem {
   int small_icon = 0;                  // image of the list's image list, from 1; 0 is none
   bool checked = false;
   bool marked = false;  // part of the selection of a list in which many rows can be selected
+  // What number and date columns show a rounded or shortened text of, by column; Empty for the others. None where the
+  // list keeps only texts.
+  std::vector<base::Value> values{};
 };
 
 class ListView final : public Control {
@@ -83,6 +87,8 @@ class ListView final : public Control {
 
   // Text of a cell: column 0 is the row's text; empty beyond its sub-items.
   const std::string& Cell(int row, int column) const;
+  // The whole value behind a cell; Empty where the list keeps only its text.
+  const base::Value& CellValue(int row, int column) const;
 
   int selected() const noexcept { return selected_; }  // position of the row that has the selection mark, -1 for none
   // Selects the row (-1: none) and scrolls it into view. With multi_select it is the only one marked from then on.
@@ -99,8 +105,8 @@ class ListView final : public Control {
 
   const ListSort& sort() const noexcept { return sort_; }
   // Puts the rows into this order, rows that compare equal staying as they are; selection and marks go with their rows.
-  // The cells of number and date columns are read in the user's notation; those that are neither come first. A column
-  // that is not there leaves the rows as they are.
+  // Number and date columns go by the values behind their cells, numbers without one by the cell in the user's
+  // notation; what is neither comes first. A column that is not there leaves the rows as they are.
   void Sort(const ListSort& sort, const base::Locale& locale);
   // The order is to be this one from now on; rows that are there already stay. For the view that remembers it.
   void RestoreSort(const ListSort& sort) { sort_ = sort; }

@@ -1,8 +1,10 @@
 #include "product/csv.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/convert.h"
+#include "base/format.h"
 #include "base/text.h"
 
 namespace quenta::product {
@@ -36,6 +38,31 @@ void AppendCell(std::string& csv, std::string_view cell, const base::Locale& loc
   csv += '"';
 }
 
+// With the century, and with the time of day where there is one.
+std::string DateText(base::Date date, const base::Locale& locale) {
+  std::string pattern = locale.short_date;
+  if (pattern.find("yyyy") == std::string::npos) pattern = base::ReplaceAll(pattern, "yy", "yyyy");
+  if (date.days != std::trunc(date.days)) pattern += " hh:nn:ss";
+  return base::Format(date, pattern, locale);
+}
+
+// What the cell stands for, whole.
+std::string FullText(const controls::ListView& list, int row, int column, const base::Locale& locale) {
+  const std::string& cell = list.Cell(row, column);
+  const base::Value& value = list.CellValue(row, column);
+  switch (list.columns()[static_cast<std::size_t>(column)].sort_as) {
+    case controls::SortAs::kText:
+      return cell;
+    case controls::SortAs::kDate:
+      return value.is_date() ? DateText(value.get<base::Date>(), locale) : cell;
+    case controls::SortAs::kNumber:
+      break;
+  }
+  if (!value.is_empty() && !value.is_text() && base::IsNumeric(value, locale)) return base::ToText(value, locale);
+  const auto number = base::ParseNumber(value.is_text() ? value.text() : cell, locale);
+  return number ? base::ToText(*number, locale) : cell;
+}
+
 }  // namespace
 
 std::string CsvOf(const controls::ListView& list, const base::Locale& locale) {
@@ -50,12 +77,7 @@ std::string CsvOf(const controls::ListView& list, const base::Locale& locale) {
   };
   append_row([&](int i) { return columns[static_cast<std::size_t>(i)].caption; });
   for (int row = 0; row < list.Count(); ++row) {
-    append_row([&](int i) {
-      const std::string& cell = list.Cell(row, i);
-      if (columns[static_cast<std::size_t>(i)].sort_as != controls::SortAs::kNumber) return cell;
-      const auto number = base::ParseNumber(cell, locale);
-      return number ? base::ToText(*number, locale) : cell;
-    });
+    append_row([&](int i) { return FullText(list, row, i, locale); });
   }
   return csv;
 }

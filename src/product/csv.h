@@ -9,8 +9,9 @@
 
 namespace quenta::product {
 
-// The list's visible columns as it shows them, captions first. The cells of number columns become plain numbers with
-// the user's decimal separator, without currency and thousands separators; a cell that stands for null becomes empty.
+// The list's visible columns, captions first. Numbers and dates stand there whole, not as the list rounds and shortens
+// them: numbers with the user's decimal separator, without currency and thousands separators; dates in the user's short
+// form with the century, and their time of day if they have one. A cell that stands for null becomes empty.
 // What a spreadsheet would run as a formula is kept from it by an apostrophe; negative numbers are none.
 std::string CsvOf(const controls::ListView& list, const base::Locale& locale);
 

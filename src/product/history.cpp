@@ -203,7 +203,7 @@ void frmMain::ShowLines(const ports::RowSet& lines, const char* line_id) {
       {lines.FindColumn("preco_unitario"), ListKind::kNumber},
       {lines.FindColumn("preco_total"), ListKind::kNumber},
   };
-  const auto text = [&](const ports::Row& line, Column& column) -> const std::string& {
+  const auto text = [&](const ports::Row line, Column& column) -> const std::string& {
     if (!column.position) return column.text;
     const base::Value& value = line.At(*column.position);
     if (column.shown == nullptr || *column.shown != value) {
@@ -212,6 +212,11 @@ void frmMain::ShowLines(const ports::RowSet& lines, const char* line_id) {
     }
     return column.text;
   };
+  // The list sorts by them, and files get them; texts are shown whole.
+  const auto value = [](const ports::Row line, const Column& column) {
+    return column.position && column.kind != ListKind::kText ? line.At(*column.position) : base::Value();
+  };
+  const std::size_t visible = ListView13.columns().size();
   ListView13.Reserve(lines.size());
   for (const ports::Row line : lines) {
     std::string key = base::ToText(line["armazem_id"], session_.locale());
@@ -220,6 +225,9 @@ void frmMain::ShowLines(const ports::RowSet& lines, const char* line_id) {
     controls::ListItem& item = ListView13.Add(std::move(key), text(line, date));
     item.sub_items.reserve(std::size(columns));
     for (Column& column : columns) item.sub_items.push_back(text(line, column));
+    item.values.reserve(visible);
+    item.values.push_back(value(line, date));
+    for (std::size_t i = 0; i + 1 < visible; ++i) item.values.push_back(value(line, columns[i]));
   }
 }
 

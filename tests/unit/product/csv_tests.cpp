@@ -36,6 +36,35 @@ TEST(Csv, CellsAreQuotedWhereTheyMustBeAndNumbersArePlain) {
   for (const auto& c : cases) EXPECT_EQ(LineOf(c.text, c.number, c.locale), c.line);
 }
 
+TEST(Csv, NumbersAndDatesStandThereWhole) {
+  using base::Value;
+  base::Locale two_digits = PortugueseLocale();
+  two_digits.short_date = "dd/mm/yy";
+  const struct {
+    SortAs kind;
+    Value value;
+    base::Locale locale;
+    const char* written;
+  } cases[] = {
+      {SortAs::kNumber, base::Currency{-81349}, PortugueseLocale(), "-8,1349"},
+      {SortAs::kNumber, 0.123456789, EnglishLocale(), "0.123456789"},
+      {SortAs::kNumber, "2,125", PortugueseLocale(), "2,125"},
+      {SortAs::kNumber, Value::Null(), PortugueseLocale(), "9"},
+      {SortAs::kDate, base::Date{46082}, PortugueseLocale(), "01-03-2026"},
+      {SortAs::kDate, base::Date{46082.5}, EnglishLocale(), "3/1/2026 12:00:00"},
+      {SortAs::kDate, base::Date{46082.75}, two_digits, "01/03/2026 18:00:00"},
+      {SortAs::kDate, Value::Null(), PortugueseLocale(), "9"},
+  };
+  for (const auto& c : cases) {
+    controls::ListView list("Lista", {{"A", 100, false, c.kind}});
+    list.Add("#1", "9").values = {c.value};
+    EXPECT_EQ(product::CsvOf(list, c.locale),
+              "\xEF\xBB\xBF"
+              "A\r\n" +
+                  std::string(c.written) + "\r\n");
+  }
+}
+
 TEST(Csv, WhatASpreadsheetWouldRunIsMadeHarmless) {
   const std::pair<const char*, const char*> cases[] = {
       {"=HYPERLINK(\"http://x\";\"y\")", "\"'=HYPERLINK(\"\"http://x\"\";\"\"y\"\")\""},
