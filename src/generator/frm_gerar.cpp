@@ -215,7 +215,8 @@ void frmGerar::Command1_Click() {
   const std::shared_ptr<Form> alive = shared_from_this();
   const Choice choice = Chosen();
   if (choice.Empty()) {
-    Tell("Tem de selecionar pelo menos uma cor ou um tamanho.", ports::Icon::kInformation);
+    session_.ports().desktop.Ask(
+        {.text = "Tem de selecionar pelo menos uma cor ou um tamanho.", .icon = ports::Icon::kInformation}, this);
     return;
   }
   End end = End::kError;

@@ -1,5 +1,6 @@
 // Which command starts which operation: toolbars, tabs, menus and shortcuts, all by key.
 #include <iterator>
+#include <utility>
 
 #include "product/frm_main_guard.h"
 
@@ -32,7 +33,9 @@ void frmMain::Toolbar1_ButtonMenuClick(const std::string& key) {
   if (key == "etiquetas") ConstructDoc("");
 }
 
-// The menus offer what the toolbars do, and what the lists' pop-up menus do: those are the menus themselves.
+// The menus offer what the toolbars do, and what the lists' pop-up menus do: those are the menus themselves. An entry
+// for what stands on a page of the tabs can be run only while that page is shown: nothing acts on rows that nobody
+// sees.
 void frmMain::AddMenus() {
   using controls::MenuItem;
   // An entry that presses a toolbar's button, where the user can.
@@ -51,7 +54,10 @@ void frmMain::AddMenus() {
                     .on_click = [this, key] { ShowTab(key); },
                     .can_run = [this, key] { return TabStrip1.Has(key); }};
   };
-  const auto on_history = [this] { return ShowsHistory(); };
+  const auto on_page = [this](const controls::Frame& page, MenuItem entry) {
+    entry.can_run = [this, &page, can_run = entry.can_run] { return Shows(page) && (!can_run || can_run()); };
+    return entry;
+  };
 
   menus_ = {
       {.name = "mnFicheiro",
@@ -66,47 +72,41 @@ void frmMain::AddMenus() {
        .items = {button(Toolbar1, "duplicar", "mnDuplicar", "&Duplicar", "Ctrl+D"),
                  button(Toolbar1, "apagar", "mnApagar", "&Apagar", "Ctrl+Shift+Del"),
                  {},
-                 button(Toolbar2, "gerar", "mnDependentesGerar", "&Gerar dependentes…", "Ctrl+G"),
-                 button(Toolbar2, "adicionar", "mnDependentesAdicionar", "Ad&icionar dependente"),
-                 button(Toolbar2, "remover", "mnDependentesRemover", "&Remover dependente")}},
+                 on_page(Frame4, button(Toolbar2, "gerar", "mnDependentesGerar", "&Gerar dependentes…", "Ctrl+G")),
+                 on_page(Frame4, button(Toolbar2, "adicionar", "mnDependentesAdicionar", "Ad&icionar dependente")),
+                 on_page(Frame4, button(Toolbar2, "remover", "mnDependentesRemover", "&Remover dependente"))}},
       {.name = "mnProdutos",
        .caption = "Preço&s",
-       .items = {{.name = "mnProdutosPredef",
-                  .caption = "Tornar &predefinido",
-                  .on_click = [this] { mnProdutosPredef_Click(); },
-                  .can_run = [this] { return ListView2.selected() >= 0 && Toolbar1.Item("gravar").visible; }}}},
+       .items = {on_page(
+           Frame1, {.name = "mnProdutosPredef",
+                    .caption = "Tornar &predefinido",
+                    .on_click = [this] { mnProdutosPredef_Click(); },
+                    .can_run = [this] { return ListView2.selected() >= 0 && Toolbar1.Item("gravar").visible; }})}},
       // Which warehouses keep a product is not decided here: these two entries have no action.
       {.name = "mnStocks",
        .caption = "Stoc&ks",
        .items = {{.name = "mnStocksAdicionarArmazem", .caption = "&Adicionar armazém", .enabled = false},
-                 {.name = "mnStocksPropriedades",
-                  .caption = "&Propriedades…",
-                  .shortcut = "Enter",
-                  .on_click = [this] { mnStocksPropriedades_Click(); },
-                  .can_run = [this] { return ListView1.selected() >= 0; }},
+                 on_page(Frame2, {.name = "mnStocksPropriedades",
+                                  .caption = "&Propriedades…",
+                                  .shortcut = "Enter",
+                                  .on_click = [this] { mnStocksPropriedades_Click(); },
+                                  .can_run = [this] { return ListView1.selected() >= 0; }}),
                  {.name = "mnStocksRemoverArmazem", .caption = "&Remover armazém", .enabled = false}}},
       {.name = "mnHistorico",
        .caption = "&Histórico",
-       .items = {{.name = "mnHistoricoCopiar",
-                  .caption = "&Copiar",
-                  .shortcut = "Ctrl+C",
-                  .on_click = [this] { ListView13.Copy(); },
-                  .can_run = on_history},
-                 {.name = "mnHistoricoSelecionarTudo",
-                  .caption = "&Selecionar tudo",
-                  .shortcut = "Ctrl+A",
-                  .on_click = [this] { ListView13.MarkAll(); },
-                  .can_run = on_history},
+       .items = {on_page(Frame3, {.name = "mnHistoricoCopiar",
+                                  .caption = "&Copiar",
+                                  .shortcut = "Ctrl+C",
+                                  .on_click = [this] { ListView13.Copy(); }}),
+                 on_page(Frame3, {.name = "mnHistoricoSelecionarTudo",
+                                  .caption = "&Selecionar tudo",
+                                  .shortcut = "Ctrl+A",
+                                  .on_click = [this] { ListView13.MarkAll(); }}),
                  {},
-                 {.name = "mnHistoricoGuardar",
-                  .caption = "&Guardar como CSV…",
-                  .on_click = [this] { mnHistoricoGuardar_Click(); },
-                  .can_run = on_history},
-                 {.name = "mnHistoricoRelatorio",
-                  .caption = "&Relatório",
-                  .shortcut = "Ctrl+R",
-                  .on_click = [this] { Toolbar3.Clicked("relatorio"); },
-                  .can_run = on_history}}},
+                 on_page(Frame3, {.name = "mnHistoricoGuardar",
+                                  .caption = "&Guardar como CSV…",
+                                  .on_click = [this] { mnHistoricoGuardar_Click(); }}),
+                 on_page(Frame3, button(Toolbar3, "relatorio", "mnHistoricoRelatorio", "&Relatório", "Ctrl+R"))}},
       {.name = "mnVer",
        .caption = "&Ver",
        .items = {tab("precos", "&Preços", "Ctrl+1"),
@@ -122,6 +122,15 @@ void frmMain::AddMenus() {
                   .shortcut = "F5",
                   .on_click = [this] { RefreshPage(); }}}},
   };
+  // The page may have changed since the menu opened, and keys run entries without opening any.
+  for (MenuItem& menu : menus_) {
+    for (MenuItem& entry : menu.items) {
+      if (!entry.can_run) continue;
+      entry.on_click = [can_run = entry.can_run, run = std::move(entry.on_click)] {
+        if (can_run()) run();
+      };
+    }
+  }
 }
 
 // The keys that the menus name, but for those that their windows know themselves.
@@ -129,18 +138,16 @@ void frmMain::AddShortcuts() {
   using controls::key_code::kDelete;
   using controls::key_code::kF5;
   const auto press = [](controls::Toolbar& bar, const char* key) { return [&bar, key] { bar.Clicked(key); }; };
+  const auto choose = [this](const char* entry) {
+    return [this, entry] { controls::FindMenuItem(menus_, entry)->on_click(); };
+  };
   shortcuts_ = {
       {.key = 'S', .control = true, .run = press(Toolbar1, "gravar")},
       {.key = 'P', .control = true, .run = press(Toolbar1, "imprimir")},
       {.key = 'D', .control = true, .run = press(Toolbar1, "duplicar")},
       {.key = kDelete, .control = true, .shift = true, .run = press(Toolbar1, "apagar")},
-      {.key = 'G', .control = true, .run = press(Toolbar2, "gerar")},
-      {.key = 'R',
-       .control = true,
-       .run =
-           [this] {
-             if (ShowsHistory()) Toolbar3.Clicked("relatorio");
-           }},
+      {.key = 'G', .control = true, .run = choose("mnDependentesGerar")},
+      {.key = 'R', .control = true, .run = choose("mnHistoricoRelatorio")},
       {.key = kF5, .run = [this] { RefreshPage(); }},
   };
   const char* const tabs[] = {
@@ -151,9 +158,9 @@ void frmMain::AddShortcuts() {
   }
 }
 
-bool frmMain::ShowsHistory() const {
-  const auto page = layout_.pages.find(TabStrip1.selected_key());
-  return page != layout_.pages.end() && page->second == &Frame3;
+bool frmMain::Shows(const controls::Frame& page) const {
+  const auto shown = layout_.pages.find(TabStrip1.selected_key());
+  return shown != layout_.pages.end() && shown->second == &page;
 }
 
 // As if the user had chosen the tab, and gone to its list; nothing happens when the product has no such tab.

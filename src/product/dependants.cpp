@@ -69,6 +69,8 @@ void frmMain::Toolbar2_ButtonClick(const std::string& key) {
       return;
     }
     const std::string item = ListView3.At(ListView3.selected()).key;
+    // The question does not name the product: the user must see which one it is.
+    ListView3.Select(ListView3.selected());
     const Answer answer = Ask({.text = "Deseja mesmo apagar o produto selecionado?",
                                .title = "Remover Produto",
                                .icon = Icon::kQuestion,
@@ -83,7 +85,8 @@ void frmMain::Toolbar2_ButtonClick(const std::string& key) {
     ListView3.Remove(item);
   };
   session::Guarded(session_.ports().error_reporting, kToolbarLabels, "Toolbar2_ButtonClick", [&] {
-    if (produto_id_ == 0) {
+    // A product that was created here and not saved yet may still be given up: dependants of it would stay.
+    if (produto_id_ == 0 || (new_product_ && key == "gerar")) {
       Tell({.text = "Tem de gravar a ficha de produto antes de gerar dependentes.", .icon = Icon::kInformation});
       return;
     }

@@ -207,7 +207,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void AddCommands();
   void AddMenus();
   void AddShortcuts();
-  bool ShowsHistory() const;  // whether one of the four history tabs is selected
+  bool Shows(const controls::Frame& page) const;  // whether the tab of this page is selected
   void ShowTab(const std::string& key);
   void RefreshPage();
 

@@ -69,6 +69,15 @@ void frmMain::ClearRecord() {
            &FXTOTAL,   &FXDesconto,      &FXIVA_Descrit}) {
     Set(*field, base::Value::Null());
   }
+  for (controls::TextField* field : {&FXPrecoMin, &FXPrecoMax, &FXQuantidade, &FXValorTotal}) {
+    Set(*field, base::Value::Null());
+  }
+  for (controls::ListView* list : {&ListView1, &ListView2, &ListView3, &ListView13}) list->Clear();
+  FXSub_Familia_ID.Clear();
+  familia_of_subfamilias_.reset();
+  FXNome.Clear();
+  PrecoKey.clear();
+  PrecosAltered = false;
   Label1.set_caption(kNoteCaption);
 }
 

@@ -83,6 +83,7 @@ Form* Reopened(Scene& scene, const char* name, void (*open)(frmMain&)) {
 bool SaveMinimums(Scene& scene) {
   scene.form->ListView1.Clicked(0);
   auto* const form = Reopened<product::frmStocks>(scene, "frmStocks", [](frmMain& opener) {
+    opener.TabStrip1.SelectKey("stocks");
     controls::FindMenuItem(opener.menus(), "mnStocksPropriedades")->on_click();
   });
   if (form == nullptr) return false;
@@ -200,7 +201,22 @@ const Operation kOperations[] = {
      .prepare =
          [](Scene& s) {
            s.desktop.file_to_save = "C:\\historico.csv";
+           s.form->TabStrip1.SelectKey("vendas");
            s.form->Fill_Track(1);
+         }},
+    {.name = "remove_dependant",
+     .product = Product::kMain,
+     .act =
+         [](Scene& s) {
+           const int count = s.form->ListView3.Count();
+           s.form->Toolbar2.Clicked("remover");
+           return s.form->ListView3.Count() < count;
+         },
+     .prepare =
+         [](Scene& s) {
+           s.Sql("UPDATE tbProdutos SET is_deleted = 0 WHERE main_id = " + std::to_string(s.form->ProdutoId()));
+           s.form->Fill_Dependentes();
+           s.form->ListView3.Select(0);
          }},
     {.name = "generate", .product = Product::kMain, .act = &Generate, .prepare = &ForgetDependants},
 };

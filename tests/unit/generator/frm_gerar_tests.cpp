@@ -109,6 +109,7 @@ TEST_F(FrmGerarTest, NothingCheckedIsSaidAndTheFormStays) {
   database.Forget();
   form->Command1.Clicked();
   EXPECT_EQ(LastMessage(), "Tem de selecionar pelo menos uma cor ou um tamanho.");
+  EXPECT_EQ(desktop.messages.back().title, "Quenta_Produtos");
   EXPECT_EQ(desktop.messages.back().icon, ports::Icon::kInformation);
   EXPECT_TRUE(form->loaded());
   EXPECT_TRUE(database.statements.empty());

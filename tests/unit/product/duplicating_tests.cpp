@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "base/date.h"
 #include "data/check_permissions.h"
 #include "generator/dependant.h"
 #include "support/sample_component.h"
@@ -292,14 +293,38 @@ TEST_F(DuplicatingTest, WhatTheServerRefusesIsReportedWithItsReason) {
   }
 }
 
-TEST_F(DuplicatingTest, AListThatIsOpenBelongsToTheCopyAfterwards) {
-  const auto form = OpenForm(IdOfCode("10300"));
-  for (int i = 0; i < form->TabStrip1.Count(); ++i) {
-    if (form->TabStrip1.tabs()[static_cast<std::size_t>(i)].key == "dependentes") form->TabStrip1.Chosen(i);
+// Acting on a row that stayed would change another product. What is open is read again, the rest is empty.
+TEST_F(DuplicatingTest, NoListKeepsRowsOfTheOriginal) {
+  for (const char* const tab : {"precos", "dependentes", "vendas"}) {
+    const auto form = OpenForm(IdOfCode("10300"));
+    form->FXData_Inicio.set_value(*base::MakeDate({2020, 1, 1, 0, 0, 0}));
+    form->Fill_Dependentes();
+    form->ListView13.Add("1#1", "01-01-2026");
+    form->FXQuantidade.set_text("1,00");
+    form->TabStrip1.SelectKey(tab);
+    ASSERT_GT(form->ListView3.Count(), 0);
+    form->Duplicar();
+    ASSERT_TRUE(form->Altered()) << "the copy is shown";
+    EXPECT_EQ(form->ListView3.Count(), 0) << tab;
+    EXPECT_EQ(form->ListView13.Count(), 0) << tab;
+    EXPECT_EQ(form->FXQuantidade.text(), "") << tab;
   }
-  EXPECT_GT(form->ListView3.Count(), 0);
-  form->Duplicar();
-  EXPECT_EQ(form->ListView3.Count(), 0) << "removing one of these would delete another product's dependant";
+  // Nothing of the product is read when a lookup list ends the load with an error.
+  database.Forget();
+  const auto form = OpenForm(IdOfCode("10300"));
+  const auto lookup = std::ranges::find(database.statements, "SELECT * FROM tbProdutos_Familias ORDER BY descrit");
+  const auto position = static_cast<int>(lookup - database.statements.begin());
+  form->Fill_Dependentes();
+  form->ListView13.Add("1#1", "01-01-2026");
+  database.Forget();
+  database.fail_at = position;
+  form->Fill();
+  database.Forget();
+  for (const controls::ListView* list : {&form->ListView1, &form->ListView2, &form->ListView3, &form->ListView13}) {
+    EXPECT_EQ(list->Count(), 0) << list->name();
+  }
+  EXPECT_EQ(form->FXSub_Familia_ID.ListCount(), 0);
+  EXPECT_EQ(form->PrecoKey, "");
 }
 
 TEST_F(DuplicatingTest, OnlyASavedProductCanBeDuplicatedOrDeleted) {

@@ -23,6 +23,7 @@ class StocksTest : public SampleComponentTest {
     for (int i = 0; i < form->ListView1.Count(); ++i) {
       if (form->ListView1.At(i).key == key) form->ListView1.Clicked(i);
     }
+    form->TabStrip1.SelectKey("stocks");
     controls::FindMenuItem(form->menus(), "mnStocksPropriedades")->on_click();
     return Shown();
   }
