@@ -30,10 +30,13 @@ std::optional<std::string> TemplatesFolder(session::Session& session, controls::
   return folder;
 }
 
+std::optional<std::string> FindTemplate(session::Session& session, const std::string& folder, const std::string& name) {
+  return session.ports().settings.ReadFile(folder + "\\" + name);
+}
+
 std::string ReadTemplate(session::Session& session, const std::string& folder, const std::string& name) {
-  const std::string path = folder + "\\" + name;
-  auto bytes = session.ports().settings.ReadFile(path);
-  if (!bytes) throw base::Error(base::error_number::kFileNotFound, "File not found: " + path);
+  auto bytes = FindTemplate(session, folder, name);
+  if (!bytes) throw base::Error(base::error_number::kFileNotFound, "File not found: " + folder + "\\" + name);
   return *std::move(bytes);
 }
 

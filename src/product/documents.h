@@ -19,7 +19,10 @@ inline constexpr session::Labels kDocumentLabels{"Quentis Gestão Comercial", "C
 // been told, and the form's mouse pointer is the default one.
 std::optional<std::string> TemplatesFolder(session::Session& session, controls::Form& over);
 
-// The template's bytes, whole. Error 53 when it cannot be read.
+// The template's bytes, whole; nothing when it cannot be read.
+std::optional<std::string> FindTemplate(session::Session& session, const std::string& folder, const std::string& name);
+
+// The same; error 53 when it cannot be read.
 std::string ReadTemplate(session::Session& session, const std::string& folder, const std::string& name);
 
 // Where a document of this name goes: each one overwrites the one before.

@@ -5,7 +5,6 @@
 #include <initializer_list>
 #include <utility>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "product/documents.h"
 
@@ -22,16 +21,21 @@ std::string Count(std::size_t number) {
   return base::DecimalText(static_cast<long long>(number));
 }
 
+// What cannot be chosen says what is missing: a template can be mended.
+std::string OptionCaption(const std::string& caption, const std::optional<std::string>& label_template,
+                          const char* name) {
+  return label_template ? caption : caption + " (falta um modelo " + name + " que sirva)";
+}
+
 }  // namespace
 
 frmEtiquetas::frmEtiquetas(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                            const std::shared_ptr<frmMain>& opener, LabelChoice choice)
     : FormOverProduct("frmEtiquetas", session, host, forms, opener),
+      Option1("Option1", OptionCaption("&Uma etiqueta", choice.label_template, kLabelTemplate)),
+      Option2("Option2", OptionCaption("&Folha de etiquetas", choice.sheet_template, kSheetTemplate)),
       choice_(std::move(choice)),
-      positions_(LabelsOnSheet(choice_.sheet_template)) {
-  if (positions_ == 0) {
-    throw base::Error(base::error_number::kInvalidCall, std::string(kSheetTemplate) + " has no place for a label");
-  }
+      positions_(choice_.sheet_template ? LabelsOnSheet(*choice_.sheet_template) : 0) {
   set_caption("Etiquetas");
   LayOut();
   Option1.on_click = [this] { EnableFields(); };
@@ -72,9 +76,12 @@ void frmEtiquetas::OnLoad() {
                        (dependants == 1 ? " (1 dependente)" : " (" + Count(dependants) + " dependentes)"));
     FXQuantidade_Label.set_caption("&Quantas de cada dependente");
   }
-  FXPosicao_Label.set_caption("&Primeira posição livre (1 a " + Count(positions_) + ")");
-  Option1.set_value(dependants == 0);
-  Option2.set_value(dependants > 0);
+  if (positions_ > 0) FXPosicao_Label.set_caption("&Primeira posição livre (1 a " + Count(positions_) + ")");
+  const bool sheet = choice_.sheet_template && (dependants > 0 || !choice_.label_template);
+  Option1.set_value(!sheet);
+  Option2.set_value(sheet);
+  Option1.set_enabled(choice_.label_template.has_value());
+  Option2.set_enabled(choice_.sheet_template.has_value());
   FXQuantidade.set_text("1");
   FXPosicao.set_text("1");
   EnableFields();
@@ -92,10 +99,12 @@ void frmEtiquetas::Command1_Click() {
     const auto run = Run();
     if (!run) return;
     const bool sheet = Option2.value();
-    const std::string& label_template = sheet ? choice_.sheet_template : choice_.label_template;
+    const std::string& label_template = (sheet ? choice_.sheet_template : choice_.label_template).value();
     TellOfCodesWithoutBars(CodesWithoutBars(label_template, *run));
     const std::string path = DocumentPath(session_, sheet ? kSheetTemplate : kLabelTemplate);
-    if (!WriteDocument(session_, path, FillLabels(label_template, *run), *this)) return;
+    const std::string document =
+        sheet ? FillLabels(label_template, *run) : FillLabel(label_template, run->labels.front());
+    if (!WriteDocument(session_, path, document, *this)) return;
     OpenDocument(session_, path, *this);
     Unload();
   });

@@ -14,17 +14,16 @@
 
 namespace quenta::product {
 
-// What can be printed for a product.
+// What can be printed for a product. At least one of the templates is there, and each has a place for a label.
 struct LabelChoice {
   ProductLabel product;
   std::vector<ProductLabel> dependants;  // when there are any, a sheet takes theirs instead of the product's own
-  std::string label_template;
-  std::string sheet_template;
+  std::optional<std::string> label_template;
+  std::optional<std::string> sheet_template;
 };
 
 class frmEtiquetas final : public FormOverProduct {
  public:
-  // Error 5 when the sheet's template has no place for a label.
   frmEtiquetas(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
                const std::shared_ptr<frmMain>& opener, LabelChoice choice);
 
@@ -32,8 +31,8 @@ class frmEtiquetas final : public FormOverProduct {
   void Command1_Click();
 
   controls::Label Label1{"Label1", ""};
-  controls::OptionButton Option1{"Option1", "&Uma etiqueta"};
-  controls::OptionButton Option2{"Option2", "&Folha de etiquetas"};
+  controls::OptionButton Option1;  // one label
+  controls::OptionButton Option2;  // a sheet of labels
   controls::Label FXQuantidade_Label{"FXQuantidade_Label", "&Quantas etiquetas"};
   controls::TextField FXQuantidade{"FXQuantidade"};
   controls::Label FXPosicao_Label{"FXPosicao_Label", "&Primeira posição livre"};
@@ -53,7 +52,7 @@ class frmEtiquetas final : public FormOverProduct {
   void TellOfCodesWithoutBars(const std::vector<std::string>& codes);
 
   LabelChoice choice_;
-  std::size_t positions_;  // on a sheet
+  std::size_t positions_;  // on a sheet; 0 without its template
 };
 
 }  // namespace quenta::product

@@ -134,6 +134,7 @@ std::vector<Field> FieldsOf(const frmMain& form, session::Session& session) {
       {"<largura>", text(form.FXLargura.text(), "  ")},
       {"<profundidade>", text(form.FXProfundidade.text(), "  ")},
       {"<obs>", text(form.FXObs.text(), "  ")},
+      {"<tipo_preco>", text(form.FXTipo.text(), "  ")},
       {"<valor>", amount(form.FXValor)},
       {"<iva>", amount(form.FXIVA)},
       {"<total>", amount(form.FXTOTAL)},

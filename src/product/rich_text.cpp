@@ -1,53 +1,16 @@
 #include "product/rich_text.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
 #include "base/text.h"
+#include "product/rich_text_walk.h"
 
 namespace quenta::product {
 namespace {
 
-bool IsLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool IsParameter(char c) {
   return (c >= '0' && c <= '9') || c == '-';
-}
-
-// The letters behind a backslash; empty for a control symbol.
-std::string_view ControlWordAt(std::string_view rich_text, std::size_t backslash) {
-  std::size_t end = backslash + 1;
-  while (end < rich_text.size() && IsLetter(rich_text[end])) ++end;
-  return rich_text.substr(backslash + 1, end - backslash - 1);
-}
-
-// Walks over what structures rich text: calls on_group(+1 or -1, position) and on_word(letters, position of the
-// backslash), and on_mark(position) for each "<". A callback that answers false ends the walk.
-template <typename OnGroup, typename OnWord, typename OnMark>
-void Walk(std::string_view rich_text, OnGroup&& on_group, OnWord&& on_word, OnMark&& on_mark) {
-  for (std::size_t at = rich_text.find_first_of("\\{}<"); at != std::string_view::npos;
-       at = rich_text.find_first_of("\\{}<", at)) {
-    bool go_on = true;
-    std::size_t length = 1;
-    switch (rich_text[at]) {
-      case '\\': {
-        const std::string_view word = ControlWordAt(rich_text, at);
-        length += std::max<std::size_t>(word.size(), 1);
-        go_on = on_word(word, at);
-        break;
-      }
-      case '<':
-        go_on = on_mark(at);
-        break;
-      default:
-        go_on = on_group(rich_text[at] == '{' ? 1 : -1, at);
-    }
-    if (!go_on) return;
-    at += length;
-  }
 }
 
 }  // namespace
@@ -56,6 +19,7 @@ std::string StringRTF(std::string_view text) {
   std::string rich_text;
   const std::u16string units = base::ToUtf16(text);
   rich_text.reserve(units.size());
+  bool escaped = false;
   for (std::size_t i = 0; i < units.size(); ++i) {
     const char16_t unit = units[i];
     const bool line_end = unit == '\n' || unit == '\v' || unit == u'\u2028' || unit == u'\u2029';
@@ -72,9 +36,11 @@ std::string StringRTF(std::string_view text) {
     } else {
       // Readers take the number as a signed one of 16 bits.
       rich_text += "\\u" + base::DecimalText(static_cast<std::int16_t>(unit)) + "?";
+      escaped = true;
     }
   }
-  return rich_text;
+  // How many bytes of fallback a reader passes over is the template's to say; the text says it for itself.
+  return escaped ? "{\\uc1 " + rich_text + "}" : rich_text;
 }
 
 bool EndsInControlWord(std::string_view rich_text) {

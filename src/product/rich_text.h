@@ -11,7 +11,8 @@ namespace quenta::product {
 
 // The text (UTF-8) as rich text shows it, in ASCII: backslash and braces escaped, letters outside ASCII as \u with the
 // fallback "?" (those beyond the basic plane as two), line ends as \line, tabs as \tab. Other control characters, which
-// have no shape, are left out.
+// have no shape, are left out. A text with such letters is a group, so that it is right wherever it stands, and leaves
+// what follows as it was.
 std::string StringRTF(std::string_view text);
 
 // What a template has at one of its "<": the bytes that the placeholder takes, 0 when it is none, and the rich text
@@ -25,7 +26,7 @@ struct Placeholder {
 bool EndsInControlWord(std::string_view rich_text);
 
 // Appends a piece of a template with its placeholders filled. `find` is given the template from each "<" on and answers
-// what stands there; what it fills in is not looked at again.
+// what stands there; what it fills in ends no control word of its own half way, and is not looked at again.
 template <typename Find>
 void AppendFilled(std::string& out, std::string_view piece, Find&& find) {
   std::size_t copied = 0;
@@ -36,7 +37,9 @@ void AppendFilled(std::string& out, std::string_view piece, Find&& find) {
       continue;
     }
     out.append(piece, copied, at - copied);
-    if (EndsInControlWord(out)) out += ' ';
+    // Behind a value nothing but what the template has put there can be a control word. Looking no further back keeps
+    // the time in proportion to the output, however many values touch.
+    if (EndsInControlWord(copied == 0 ? std::string_view(out) : piece.substr(copied, at - copied))) out += ' ';
     out += placeholder.rich_text;
     at += placeholder.length;
     copied = at;

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/ansi.h"
 #include "base/text.h"
@@ -20,15 +21,27 @@ inline RichTextContents ReadRichText(std::string_view rich_text) {
   RichTextContents contents;
   std::u16string units;
   int depth = 0;
+  std::vector<int> fallbacks{1};  // how many characters stand behind a \u, by group
+  int passing_over = 0;
   const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
   const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
-  const auto add = [&](std::string_view bytes) { units += base::ToUtf16(base::FromAnsi(bytes)); };
+  const auto add = [&](std::string_view bytes) {
+    if (passing_over > 0) {
+      --passing_over;
+    } else {
+      units += base::ToUtf16(base::FromAnsi(bytes));
+    }
+  };
   std::size_t at = 0;
   while (at < rich_text.size()) {
     const char c = rich_text[at++];
     if (c == '{') {
+      passing_over = 0;
+      fallbacks.push_back(fallbacks.back());
       if (depth++ == 0 && at > 1) contents.balanced = false;
     } else if (c == '}') {
+      passing_over = 0;
+      if (fallbacks.size() > 1) fallbacks.pop_back();
       if (--depth < 0) contents.balanced = false;
     } else if (c == '\r' || c == '\n') {
       continue;
@@ -41,7 +54,7 @@ inline RichTextContents ReadRichText(std::string_view rich_text) {
         add(std::string_view(&byte, 1));
         at += 2;
       } else if (symbol == '{' || symbol == '}' || symbol == '\\') {
-        units += static_cast<char16_t>(symbol);
+        add({&symbol, 1});
       }
     } else {
       std::string word;
@@ -52,7 +65,9 @@ inline RichTextContents ReadRichText(std::string_view rich_text) {
       if (at < rich_text.size() && rich_text[at] == ' ') ++at;
       if (word == "u") {
         units += static_cast<char16_t>(std::stoi(number));
-        ++at;  // the fallback
+        passing_over = fallbacks.back();
+      } else if (word == "uc") {
+        fallbacks.back() = std::stoi(number);
       } else if (word == "cell") {
         units += u'|';
       } else if (word == "row" || word == "par" || word == "line") {

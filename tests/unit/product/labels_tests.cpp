@@ -1,11 +1,14 @@
 #include "product/labels.h"
 
+#include "base/text.h"
 #include "document_fixture.h"
 #include "product/frm_etiquetas.h"
+#include "product/label_fit.h"
 
 namespace quenta::tests {
 namespace {
 
+using product::FillLabel;
 using product::FillLabels;
 using product::frmEtiquetas;
 using product::LabelsOnSheet;
@@ -16,7 +19,9 @@ constexpr const char* kSheet = R"({\rtf1{\f0}\pard 1<<codigo>> 2<<codigo>> 3<<co
 // Labels with the codes A, B, C …
 std::vector<ProductLabel> Labels(int count) {
   std::vector<ProductLabel> labels;
-  for (int i = 0; i < count; ++i) labels.push_back({"Nome", std::string(1, static_cast<char>('A' + i)), "€ 1,00"});
+  for (int i = 0; i < count; ++i) {
+    labels.push_back({.nome = "Nome", .codigo = std::string(1, static_cast<char>('A' + i)), .preco = "€ 1,00"});
+  }
   return labels;
 }
 
@@ -42,15 +47,20 @@ TEST(Labels, StandFromTheFirstFreePositionOnAsManySheetsAsTheyNeed) {
 }
 
 TEST(Labels, EachPlaceholderCountsForItself) {
-  EXPECT_EQ(FillLabels("<<nome>> <<nome>>\n<<preco>> <<preco>>", {{{"{x}", "1", ""}, {"<<preco>>", "2", "€ 5"}}}),
-            "\\{x\\} <<preco>>\n \\u8364? 5");
+  const ProductLabel first{"{x}", "1", "Azul", "42", ""};
+  const ProductLabel second{"<<preco>>", "2", "", "", "€ 5"};
+  EXPECT_EQ(FillLabels("<<nome>> <<nome>>\n<<cor>><<tamanho>><<preco>> <<preco>>", {{first, second}}),
+            "\\{x\\} <<preco>>\nAzul42 {\\uc1 \\u8364? 5}");
+  EXPECT_EQ(FillLabel("<<nome>> <<nome>>\n<<cor>> <<codigo>>", first), "\\{x\\} \\{x\\}\nAzul 1")
+      << "one label shows the same everywhere";
+  EXPECT_THROW(FillLabel("sem etiquetas", first), base::Error);
   EXPECT_EQ(LabelsOnSheet("<<nome>><<codigo>><<nome>> <<outro>>"), 2U);
   EXPECT_EQ(LabelsOnSheet("<nome> <<nome"), 0U);
   EXPECT_THROW(FillLabels("sem etiquetas", {Labels(1)}), base::Error);
 }
 
 TEST(Labels, CodesThatCannotBeBarsLeaveTheirPlaceEmpty) {
-  const product::LabelRun run{{{"", "10000", ""}, {"", "Ç1", ""}, {"", "", ""}}};
+  const product::LabelRun run{{{.codigo = "10000"}, {.codigo = "Ç1"}, {}}};
   const std::string bars = "<<barras>>.<<barras>>.<<barras>>.";
   const std::string filled = FillLabels(bars, run);
   EXPECT_TRUE(filled.starts_with("{\\pict\\wmetafile8"));
@@ -59,13 +69,52 @@ TEST(Labels, CodesThatCannotBeBarsLeaveTheirPlaceEmpty) {
   EXPECT_TRUE(CodesWithoutBars("<<codigo>>", run).empty());
 }
 
+// Which names are cut is the template's to say: by the cell's width and exact height, and by the font.
+TEST(Labels, ANameThatDoesNotFitEndsInAnEllipsis) {
+  const std::string w(40, 'W');
+  const std::string n = std::string(35, 'n') + " " + std::string(35, 'n');
+  const struct {
+    const char* place;
+    std::string name;
+    std::string shown;  // "…" for the name cut somewhere
+  } cases[] = {
+      {R"(\trrh-410\cellx3515\pard\intbl\sl-205{\b\fs17 #}\cell\row)", "Azeite virgem extra", "Azeite virgem extra"},
+      {R"(\trrh-410\cellx3515\pard\intbl\sl-205{\b\fs17 #}\cell\row)", w, w},
+      {R"(\trrh-410\cellx3515\pard\intbl\sl-205{\b\fs17 #}\cell\row)", w + w, "…"},
+      {R"(\trrh-400\cellx3515\pard\intbl\sl-205{\b\fs17 #}\cell\row)", w, "…"},
+      {R"(\trrh-410\trgaph100\cellx3515\pard\intbl\sl-205\li200\ri200{\b\fs17 #}\cell\row)", w, "…"},
+      {R"(\trrh-410\cellx3515\pard\intbl\sl-205\sb100{\b\fs17 #}\cell\row)", w, "…"},
+      {R"(\trrh-410\cellx9000\cellx12515\pard\intbl\sl-205{\b\fs17 x\cell #}\cell\row)", w + w, "…"},
+      {R"(\trrh-410\cellx9000\pard\intbl\sl-205{\b\fs17 #}\cell\row)", w + w, w + w},
+      {R"(\trrh-410\cellx3515\pard\intbl\sl-205{\b\fs8 }{\fs17 #}\cell\row)", n, n},
+      {R"(\trrh410\cellx3515\pard\intbl{\b\fs17 #}\cell\row)", w + w, w + w},
+      {R"(\trrh-410\cellx3515\pard\intbl a\cell\row\pard\par #)", w + w, w + w},
+  };
+  for (const auto& [place, name, shown] : cases) {
+    const std::string label_template = R"({\rtf1\trowd)" + base::ReplaceAll(place, "#", "<<nome>>") + "}";
+    const std::string text = ReadRichText(FillLabel(label_template, {.nome = name})).text;
+    const bool cut = text.find("…") != std::string::npos;
+    EXPECT_EQ(cut, shown == "…") << place << ": " << text;
+    if (!cut) {
+      EXPECT_NE(text.find(shown), std::string::npos) << place << ": " << text;
+    }
+  }
+  const product::LabelRoom room{.width = 3515, .lines = 2, .half_points = 17, .bold = true};
+  const std::string name = "Máquina de café automática com moinho integrado e depósito duplo de água, aço inoxidável";
+  EXPECT_EQ(product::FitToRoom(name, room),
+            "Máquina de café automática com moinho integrado e depósito duplo de água, aç…");
+  EXPECT_EQ(product::FitToRoom("", room), "");
+  EXPECT_EQ(product::FitToRoom("a\r\nb\r\nc", room), "a\nb…");
+  EXPECT_EQ(product::FitToRoom("🍷🍷", {.width = 300, .lines = 1, .half_points = 17}), "…") << "no half of a character";
+}
+
 class LabelFormTest : public DocumentTest {
  protected:
   void SetUp() override {
     DocumentTest::SetUp();
     SetTemplate("Etiqueta.doc", "<<nome>>;<<codigo>>;<<preco>>");
     std::string sheet;
-    for (int i = 0; i < 24; ++i) sheet += "<<codigo>>;<<preco>>\n";
+    for (int i = 0; i < 24; ++i) sheet += "<<codigo>>;<<cor>>;<<tamanho>>;<<preco>>\n";
     SetTemplate("Etiquetas.doc", sheet);
   }
   // The form that the button opens; null when it opens none.
@@ -90,7 +139,7 @@ TEST_F(LabelFormTest, OneLabelIsOfTheProductAsItIsShown) {
   EXPECT_FALSE(form->enabled()) << "until the labels are printed";
   EXPECT_FALSE(labels->FXQuantidade.enabled());
   labels->Command1.Clicked();
-  EXPECT_EQ(Written("Etiqueta.doc"), "Azeite \\{novo\\};10000;\\u8364? 9,95");
+  EXPECT_EQ(Written("Etiqueta.doc"), "Azeite \\{novo\\};10000;{\\uc1 \\u8364? 9,95}");
   EXPECT_EQ(desktop.opened, std::vector<std::string>{R"(C:\Temp\Etiqueta.doc)"});
   EXPECT_FALSE(labels->loaded());
   EXPECT_TRUE(form->enabled());
@@ -105,13 +154,13 @@ TEST_F(LabelFormTest, ASheetTakesAsManyAsTheUserWants) {
   labels->FXQuantidade.Typed(" 3 ");
   labels->FXPosicao.Typed("2");
   labels->Command1.Clicked();
-  const std::string label = "10000;\\u8364? 9,95\n";
-  std::string expected = ";\n" + label + label + label;
-  for (int i = 4; i < 24; ++i) expected += ";\n";
+  const std::string label = "10000;;;{\\uc1 \\u8364? 9,95}\n";
+  std::string expected = ";;;\n" + label + label + label;
+  for (int i = 4; i < 24; ++i) expected += ";;;\n";
   EXPECT_EQ(Written("Etiquetas.doc"), expected);
 }
 
-TEST_F(LabelFormTest, DependantsGetALabelEachWithTheirOwnPrice) {
+TEST_F(LabelFormTest, DependantsGetALabelEachWithTheirColourSizeAndPrice) {
   const auto form = OpenForm(IdOfCode("10300"));
   const std::string id = std::to_string(form->ProdutoId());
   Sql("UPDATE tbProdutos SET is_deleted = 1 WHERE codigo = '10300-PT-40'");
@@ -125,8 +174,9 @@ TEST_F(LabelFormTest, DependantsGetALabelEachWithTheirOwnPrice) {
   labels->Command1.Clicked();
   const std::string sheet = Written("Etiquetas.doc");
   EXPECT_TRUE(
-      sheet.starts_with("10300-CS-40;\\u8364? 89,00\n10300-CS-41;\\u8364? 89,00\n10300-CS-42;\\u8364? "
-                        "77,50\n10300-CS-43;\n10300-PT-41;\\u8364? "))
+      sheet.starts_with("10300-CS-40;Castanho;40;{\\uc1 \\u8364? 89,00}\n10300-CS-41;Castanho;41;{\\uc1 \\u8364? "
+                        "89,00}\n10300-CS-42;Castanho;42;{\\uc1 \\u8364? 77,50}\n10300-CS-43;Castanho;43;\n"
+                        "10300-PT-41;Preto;41;{\\uc1 \\u8364? "))
       << sheet.substr(0, 200);
   EXPECT_EQ(sheet.find("10300-PT-40"), std::string::npos) << "deleted";
   EXPECT_EQ(sheet.find("10300-PT-41"), sheet.rfind("10300-PT-41")) << "two default lines are one label";
@@ -171,6 +221,7 @@ TEST_F(LabelFormTest, WhatGoesWrongIsToldOrReportedAndNothingIsOpened) {
   settings.registry[kTemplatesSetting] = R"(C:\Nada)";
   EXPECT_FALSE(OpenLabels(*form));
   settings.registry[kTemplatesSetting] = R"(C:\Modelos)";
+  SetTemplate("Etiqueta.doc", "sem etiquetas");
   SetTemplate("Etiquetas.doc", "sem etiquetas");
   EXPECT_FALSE(OpenLabels(*form));
   ASSERT_EQ(reporting.reports.size(), 2U);
@@ -178,7 +229,7 @@ TEST_F(LabelFormTest, WhatGoesWrongIsToldOrReportedAndNothingIsOpened) {
                                                       "ConstructDoc", R"(File not found: C:\Nada\Etiqueta.doc)"}));
   EXPECT_TRUE(form->enabled());
 
-  SetTemplate("Etiquetas.doc", "<<codigo>>");
+  SetTemplate("Etiqueta.doc", "<<codigo>>");
   settings.write_errors[R"(C:\Temp\Etiqueta.doc)"] = base::error_number::kPermissionDenied;
   const auto labels = OpenLabels(*form);
   ASSERT_TRUE(labels);
@@ -190,6 +241,29 @@ TEST_F(LabelFormTest, WhatGoesWrongIsToldOrReportedAndNothingIsOpened) {
   EXPECT_TRUE(form->enabled());
 }
 
+TEST_F(LabelFormTest, EachChoiceNeedsOnlyItsOwnTemplate) {
+  for (const char* missing : {"Etiqueta.doc", "Etiquetas.doc"}) {
+    SetTemplate("Etiqueta.doc", "<<codigo>>");
+    SetTemplate("Etiquetas.doc", "<<codigo>>");
+    settings.files.erase(std::string("C:\\Modelos\\") + missing);
+    const bool one = std::string(missing) == "Etiquetas.doc";
+    for (const char* code : {"10000", "10300"}) {  // without and with dependants
+      const auto form = OpenForm(IdOfCode(code));
+      const auto labels = OpenLabels(*form);
+      ASSERT_TRUE(labels) << missing;
+      const controls::OptionButton& other = one ? labels->Option2 : labels->Option1;
+      EXPECT_EQ(labels->Option1.value(), one);
+      EXPECT_FALSE(other.enabled());
+      EXPECT_NE(other.caption().find(std::string("(falta um modelo ") + missing), std::string::npos);
+      labels->Command1.Clicked();
+      EXPECT_NE(Written(one ? "Etiqueta.doc" : "Etiquetas.doc").find(code), std::string::npos);
+      EXPECT_EQ(Written(missing), "(none)");
+    }
+    settings.files.erase("C:\\Temp\\" + std::string(one ? "Etiqueta.doc" : "Etiquetas.doc"));
+  }
+  EXPECT_TRUE(reporting.reports.empty());
+}
+
 TEST_F(LabelFormTest, ProductsWithoutAPriceOrACodeThatBarsCanCarry) {
   SetTemplate("Etiqueta.doc", "<<codigo>>;<<preco>>;<<barras>>");
   const struct {
@@ -199,8 +273,8 @@ TEST_F(LabelFormTest, ProductsWithoutAPriceOrACodeThatBarsCanCarry) {
     bool told;
   } cases[] = {{"10402", "10402", "10402;;{", false},  // no default line
                {"10703", "10703", "10703;;{", false},  // deleted: no prices at all
-               {"10000", "Ção", R"(\u199?\u227?o;\u8364? 9,95;)", true},
-               {"10000", "", ";\\u8364? 9,95;", false}};
+               {"10000", "Ção", R"({\uc1 \u199?\u227?o};{\uc1 \u8364? 9,95};)", true},
+               {"10000", "", ";{\\uc1 \\u8364? 9,95};", false}};
   for (const auto& [code, typed, label, told] : cases) {
     const auto form = OpenForm(IdOfCode(code));
     form->FXCodigo.set_text(typed);
@@ -226,12 +300,20 @@ TEST_F(LabelFormTest, TheShippedTemplatesHaveTheirPlaces) {
   const RichTextContents sheets = ReadRichText(document);
   EXPECT_TRUE(sheets.balanced);
   EXPECT_EQ(sheets.text.find('<'), std::string::npos);
-  std::size_t names = 0;
-  for (std::size_t at = 0; (at = sheets.text.find(form->FXNome.text(), at)) != std::string::npos; ++at) ++names;
-  EXPECT_EQ(names, 60U);
-  std::size_t sections = 0;
-  for (std::size_t at = 0; (at = document.find("\\sect", at)) != std::string::npos; ++at) ++sections;
-  EXPECT_EQ(sections, 2U);
+  const auto count = [](std::string_view text, std::string_view what) {
+    int found = 0;
+    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; ++at) ++found;
+    return found;
+  };
+  EXPECT_EQ(count(sheets.text, form->FXNome.text()), 60);
+  EXPECT_EQ(count(document, "\\sect"), 2);
+
+  const auto of_dependants = OpenLabels(*OpenForm(IdOfCode("10300")));
+  of_dependants->Command1.Clicked();
+  EXPECT_EQ(count(ReadRichText(Written("Etiquetas.doc")).text, "42   Castanho"), 1);
+  const auto of_one = OpenLabels(*OpenForm(IdOfCode("10300-CS-42")));
+  of_one->Command1.Clicked();
+  EXPECT_EQ(count(ReadRichText(Written("Etiqueta.doc")).text, "42   Castanho"), 1);
 }
 
 }  // namespace

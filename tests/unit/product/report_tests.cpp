@@ -1,6 +1,7 @@
 #include "base/date.h"
 #include "base/error.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "controls/field_value.h"
 #include "document_fixture.h"
 #include "product/rich_text.h"
@@ -41,6 +42,7 @@ TEST_F(ReportTest, EachPlaceholderGetsItsValueAndAsManyBlanksWhenThereIsNone) {
   choose(form->FXIva_ID, "23 %");
   form->FXCodigo.set_text("A\\1");
   form->FXNome.set_text("Nome");
+  form->FXTipo.set_text("Revenda");
   form->FXMarca.set_text("Marca");
   form->FXCor.set_text("Castanho");
   form->FXTamanho.set_text("42");
@@ -72,10 +74,10 @@ TEST_F(ReportTest, EachPlaceholderGetsItsValueAndAsManyBlanksWhenThereIsNone) {
   } cases[] = {
       {"<data_inicio>", "02-01-2025", nullptr},
       {"<data_fim>", "31-12-2025", nullptr},
-      {"<tipo>", R"(Cal\u231?ado)", " "},
+      {"<tipo>", R"({\uc1 Cal\u231?ado})", " "},
       {"<codigo>", R"(A\\1)", " "},
-      {"<fornecedor>", R"(Irm\u227?os \{S\u225?\}, Lda.)", "  "},
-      {"<familia>", R"(Vestu\u225?rio)", "  "},
+      {"<fornecedor>", R"({\uc1 Irm\u227?os \{S\u225?\}, Lda.})", "  "},
+      {"<familia>", R"({\uc1 Vestu\u225?rio})", "  "},
       {"<sub_familia>", "Sapatos", "  "},
       {"<marca>", "Marca", "  "},
       {"<descrit>", "Nome", "  "},
@@ -86,7 +88,8 @@ TEST_F(ReportTest, EachPlaceholderGetsItsValueAndAsManyBlanksWhenThereIsNone) {
       {"<largura>", "2,00", "  "},
       {"<profundidade>", "3,00", "  "},
       {"<obs>", R"(um\line dois)", "  "},
-      {"<valor>", R"(1\u160?234,57)", ""},
+      {"<tipo_preco>", "Revenda", "  "},
+      {"<valor>", R"({\uc1 1\u160?234,57})", ""},
       {"<iva>", " - 0,50", ""},
       {"<total>", "8,13", ""},
       {"<desconto>", "10,00 %", ""},
@@ -129,15 +132,16 @@ TEST_F(ReportTest, EachMovementIsARowAndNoValueIsExpandedAgain) {
       Report(*form, before + "\n" + row + "\n<tipo>}"),
       R"({\rtf1 <preco_total> <preco_unitario>\par\trowd Data\cell\row)"
       "\n"
-      R"(\trowd\cellx9 01-02-2025\cell Caf\u233? \{do\} Cais\cell Factura\cell 7\cell 2,00\cell \u8364? 3,00\cell \u8364? 6,00\cell 01-02-2025\row)"
+      R"(\trowd\cellx9 01-02-2025\cell {\uc1 Caf\u233? \{do\} Cais}\cell Factura\cell 7\cell 2,00\cell {\uc1 \u8364? 3,00}\cell {\uc1 \u8364? 6,00}\cell 01-02-2025\row)"
       R"(\trowd\cellx9 03-02-2025\cell <data>\cell <tipo>\cell <user>\cell -1,00\cell  \cell \\row\cell 03-02-2025\row)"
       "\nArtigo}");
-}
-
-TEST_F(ReportTest, WithoutMovementsTheRowStaysWithBlanks) {
-  const auto form = OpenForm(IdOfCode("10145"));
+  form->ListView13.Clear();
   EXPECT_EQ(Report(*form, R"({\trowd <data>|<entidade>|<tipo>|<codigo>|<quantidade>\cell\row})"),
-            R"({\trowd  | | |10145| \cell\row})");
+            R"({\trowd  | | |10000| \cell\row})")
+      << "without movements the row stays with blanks";
+  std::string path = R"(D:\aqui.doc)";
+  EXPECT_EQ(form->DoReport(path, "t.doc"), R"(D:\aqui.doc)") << "a given path is kept";
+  EXPECT_FALSE(settings.files[path].empty());
 }
 
 TEST_F(ReportTest, OddTemplatesKeepTheirBytes) {
@@ -228,14 +232,6 @@ TEST_F(ReportTest, TheButtonOpensTheReportAndNothingWhenThereIsNone) {
   EXPECT_EQ(form->mouse_pointer(), controls::MousePointer::kDefault);
 }
 
-TEST_F(ReportTest, AGivenPathIsKept) {
-  SetTemplate("t.doc", "x");
-  const auto form = OpenForm(IdOfCode("10000"));
-  std::string path = R"(D:\aqui.doc)";
-  EXPECT_EQ(form->DoReport(path, "t.doc"), R"(D:\aqui.doc)");
-  EXPECT_EQ(settings.files[path], "x\r\n");
-}
-
 TEST_F(ReportTest, TheShippedTemplateShowsEverythingOfAnyProduct) {
   UseShipped("produto_stats.doc");
   for (const char* code : {"10011", "10006", "10466", "10702", "10401", "10145", "A13"}) {
@@ -249,6 +245,10 @@ TEST_F(ReportTest, TheShippedTemplateShowsEverythingOfAnyProduct) {
     EXPECT_TRUE(report.balanced) << code;
     EXPECT_EQ(report.text.find('<'), std::string::npos) << "a placeholder is left: " << code;
     EXPECT_NE(report.text.find(form->FXNome.text()), std::string::npos) << code;
+    const std::string total = base::ReplaceAll(form->FXValorTotal.text(), "€ ", "");
+    for (const std::string& text : {"Preço: " + form->FXTipo.text(), "\nTotal do período (€)|" + total + "|\n"}) {
+      EXPECT_NE(report.text.find(text), std::string::npos) << code << ": " << text;
+    }
     for (int line = 0; line < form->ListView13.Count(); ++line) {
       std::string row;
       for (int column = 0; column < 7; ++column) row += form->ListView13.Cell(line, column) + "|";

@@ -1,5 +1,6 @@
 #include "product/rich_text.h"
 
+#include <chrono>
 #include <random>
 
 #include "base/text.h"
@@ -21,13 +22,14 @@ TEST(StringRTF, EscapesWhatWouldBeMarkUpOrIsNoAscii) {
     const char* rich_text;
   } cases[] = {
       {"Rolo anti-gota {kit} \\ recarga", R"(Rolo anti-gota \{kit\} \\ recarga)"},
-      {"Café à beira-mar", R"(Caf\u233? \u224? beira-mar)"},
+      {"Café à beira-mar", R"({\uc1 Caf\u233? \u224? beira-mar})"},
       {"\xE2\x82\xAC\xC2\xA0"
        "5",
-       R"(\u8364?\u160?5)"},
-      {"\xEF\xBF\xBD\xEA\xA4\x80", R"(\u-3?\u-22272?)"},  // above 32767
-      {"\xF0\x9F\x8D\xB7", R"(\u-10180?\u-8329?)"},       // beyond the basic plane
-      {"um\r\ndois\ntrês\rquatro", R"(um\line dois\line tr\u234?s\line quatro)"},
+       R"({\uc1 \u8364?\u160?5})"},
+      {"\xEF\xBF\xBD\xEA\xA4\x80", R"({\uc1 \u-3?\u-22272?})"},  // above 32767
+      {"\xF0\x9F\x8D\xB7", R"({\uc1 \u-10180?\u-8329?})"},       // beyond the basic plane
+      {"um\r\ndois\ntrês\rquatro", R"({\uc1 um\line dois\line tr\u234?s\line quatro})"},
+      {"um\ndois", R"(um\line dois)"},
       {"a\tb", R"(a\tab b)"},
       {"a\x01\x1B\x7F"
        "b",
@@ -38,6 +40,7 @@ TEST(StringRTF, EscapesWhatWouldBeMarkUpOrIsNoAscii) {
   for (const auto& [text, rich_text] : cases) EXPECT_EQ(StringRTF(text), rich_text) << text;
 }
 
+// However many characters of fallback the template has a reader pass over, before and behind the text.
 TEST(StringRTF, WhateverTheTextAReaderShowsItUnchanged) {
   constexpr char16_t kLetters[] = {'{', '}', '\\', '<',  '>',  '?',    '-',    '0',    '9',
                                    'u', 'r', ' ',  '\'', 0xE9, 0x20AC, 0xD83C, 0xDF77, 0xFFFD};
@@ -48,7 +51,11 @@ TEST(StringRTF, WhateverTheTextAReaderShowsItUnchanged) {
     const std::string text = base::FromUtf16(units);
     const std::string rich_text = StringRTF(text);
     for (const char c : rich_text) EXPECT_TRUE(c >= ' ' && c <= '~') << rich_text;
-    EXPECT_EQ(ReadRichText("{\\rtf1 " + rich_text + "}").text, text) << rich_text;
+    const unsigned fallbacks = random() % 4;
+    const std::string letter = "\\u233 " + std::string(fallbacks, '?');
+    EXPECT_EQ(ReadRichText("{\\rtf1\\uc" + std::to_string(fallbacks) + letter + rich_text + letter + "}").text,
+              "é" + text + "é")
+        << rich_text;
   }
 }
 
@@ -82,6 +89,13 @@ TEST(Template, AValueNeverRunsIntoTheMarkUpBeforeIt) {
   };
   for (const auto& [piece, filled] : cases) EXPECT_EQ(Filled(piece, "par"), filled) << piece;
   EXPECT_EQ(Filled("<a><a>", "<a>"), "<a><a>") << "what was filled in is not looked at again";
+}
+
+// Placeholders that touch: their values are one run of letters, which must not be looked through again for each.
+TEST(Template, IsFilledInTimeInProportionToTheOutput) {
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(Filled(base::ReplaceAll(std::string(100'000, 'x'), "x", "<a>"), "letters").size(), 700'000U);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 // The row that holds "<data>", or "(none)".

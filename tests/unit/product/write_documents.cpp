@@ -120,8 +120,11 @@ class Writer final : public DocumentTest {
   void WriteEveryCharacter(const std::string& name) {
     product::LabelRun run;
     const auto add = [&](const std::string& code) {
-      run.labels.push_back(
-          {"Um nome comprido: " + std::string(15, 'W') + " " + std::string(100, 'm'), code, "€ 1 234,50"});
+      run.labels.push_back({.nome = "Um nome comprido: " + std::string(15, 'W') + " " + std::string(100, 'm'),
+                            .codigo = code,
+                            .cor = "Castanho-escuro",
+                            .tamanho = "XXXL",
+                            .preco = "€ 1 234,50"});
     };
     for (char first = ' '; first <= '~' - 9; first = static_cast<char>(first + 10)) {
       std::string code = "a";
