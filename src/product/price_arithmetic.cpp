@@ -18,6 +18,26 @@ double R5(double amount) {
   return base::RoundToLong(amount * 100000) / 100000.0;
 }
 
+double TotalOfValue(float value, float rate) {
+  return R5(double{value * (rate + 1)});
+}
+
+double VatOfTotal(float total, float rate) {
+  return R5(double{total / (rate + 1) * rate});
+}
+
+double ValueOfTotal(float total, float rate) {
+  return R5(double{total / (rate + 1)});
+}
+
+double TotalOfVat(double vat, double rate) {
+  return rate == 0 ? 0 : R5(vat * (rate + 1) / rate);
+}
+
+double ValueOfVat(double vat, double rate) {
+  return rate == 0 ? 0 : R5(vat / rate);
+}
+
 frmMain::AmountField frmMain::FieldOf(Amount amount) {
   using namespace price_position;
   switch (amount) {
@@ -142,21 +162,21 @@ void frmMain::Compute(const std::string& key, Amount from) {
     double rate = 0;  // double here, single in the other two: as the suite computes
     const double vat = amount(Amount::kIva);
     look_up(rate);
-    set(Amount::kTotal, rate == 0 ? 0 : R5(vat * (rate + 1) / rate));
+    set(Amount::kTotal, TotalOfVat(vat, rate));
     look_up(rate);
-    set(Amount::kValor, rate == 0 ? 0 : R5(vat / rate));
+    set(Amount::kValor, ValueOfVat(vat, rate));
     return;
   }
   float rate = 0;
   look_up(rate);
   if (from == Amount::kValor) {
-    set(Amount::kTotal, R5(double{amount(Amount::kValor) * (rate + 1)}));
+    set(Amount::kTotal, TotalOfValue(amount(Amount::kValor), rate));
     look_up(rate);
-    set(Amount::kIva, R5(double{amount(Amount::kTotal) / (rate + 1) * rate}));
+    set(Amount::kIva, VatOfTotal(amount(Amount::kTotal), rate));
   } else {
-    set(Amount::kIva, R5(double{amount(Amount::kTotal) / (rate + 1) * rate}));
+    set(Amount::kIva, VatOfTotal(amount(Amount::kTotal), rate));
     look_up(rate);
-    set(Amount::kValor, R5(double{amount(Amount::kTotal) / (rate + 1)}));
+    set(Amount::kValor, ValueOfTotal(amount(Amount::kTotal), rate));
   }
 }
 
