@@ -151,7 +151,7 @@ TEST_F(DialogTest, ProgressIsShown) {
   HWND bar = nullptr;
   EnumChildWindows(
       dialog_window,
-      [](HWND child, LPARAM found) -> BOOL {
+      [](HWND child, LPARAM found) CALLBACK -> BOOL {
         if (NameOf(child) == "Progress1") *reinterpret_cast<HWND*>(found) = child;
         return TRUE;
       },

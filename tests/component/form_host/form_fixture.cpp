@@ -94,7 +94,7 @@ HWND FormFixture::Window(const std::string& name) const {
   } search{name, nullptr};
   EnumChildWindows(
       window,
-      [](HWND child, LPARAM data) -> BOOL {
+      [](HWND child, LPARAM data) CALLBACK -> BOOL {
         auto& wanted = *reinterpret_cast<Search*>(data);
         if (NameOf(child) != wanted.name) return TRUE;
         wanted.found = child;

@@ -45,7 +45,7 @@ HWND FirstList(HWND form) {
   HWND list = nullptr;
   EnumChildWindows(
       form,
-      [](HWND child, LPARAM found) -> BOOL {
+      [](HWND child, LPARAM found) CALLBACK -> BOOL {
         wchar_t name[40];
         GetClassNameW(child, name, 40);
         if (wcscmp(name, WC_LISTVIEWW) != 0) return TRUE;
@@ -290,7 +290,7 @@ TEST_F(FormHostTest, AQuestionLeavesTheFormAsItsModelSays) {
   // Answered by a timer, as the user would: while the box is open the form is disabled by the model, too.
   static SampleForm* asked;
   asked = form.get();
-  SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR timer, DWORD) {
+  SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR timer, DWORD) CALLBACK {
     const HWND box = FindWindowW(L"#32770", L"Alteração de Preços");
     if (box == nullptr) return;
     KillTimer(nullptr, timer);

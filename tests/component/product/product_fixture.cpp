@@ -81,7 +81,7 @@ HWND FormOnScreen::Control(const std::string& name) const {
   } search{name, nullptr};
   EnumChildWindows(
       window_,
-      [](HWND child, LPARAM data) noexcept -> BOOL {
+      [](HWND child, LPARAM data) noexcept CALLBACK -> BOOL {
         auto& wanted = *reinterpret_cast<Search*>(data);
         if (NameOf(child) != wanted.name) return TRUE;
         wanted.found = child;
@@ -307,7 +307,7 @@ std::vector<FormOnScreen> ProductFixture::Forms(const std::string& name) {
   } search{name, {}};
   EnumThreadWindows(
       GetCurrentThreadId(),
-      [](HWND window, LPARAM data) noexcept -> BOOL {
+      [](HWND window, LPARAM data) noexcept CALLBACK -> BOOL {
         auto& wanted = *reinterpret_cast<Search*>(data);
         if (IsWindowVisible(window) && NameOf(window) == wanted.name) wanted.forms.emplace_back(window);
         return TRUE;
