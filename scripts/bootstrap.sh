@@ -17,7 +17,7 @@ packages=(
 )
 if [[ ${1:-run} = test ]]; then
   packages+=(
-    g++-mingw-w64-i686-posix                                     # 32 bits are compiled and checked, not run
+    g++-mingw-w64-i686-posix g++-i686-linux-gnu debootstrap      # 32 bits, in a Debian of their own
     clang-format-14 clang-tidy-14 shellcheck
     libreoffice-writer-nogui poppler-utils zbar-tools            # to show the documents and to read their pages
   )
@@ -44,7 +44,7 @@ if [[ $(id -u) -ne 0 ]]; then
 fi
 
 install_missing() {
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends --no-remove \
     -o DPkg::Lock::Timeout=300 "${missing[@]}"
 }
 update_lists() { "${as_root[@]}" apt-get update -o DPkg::Lock::Timeout=300; }

@@ -172,20 +172,33 @@ start_display() {
 
 # --- Wine -------------------------------------------------------------------------------------------------------------
 
-# use_wine PREFIX: commands of Wine work in this prefix from here on, in Portuguese. Debian keeps wine64 beside the
-# path.
+# The 32-bit Debian that Wine's other width lives in (scripts/tree32.sh), and its commands as seen from outside.
+TREE32=$BUILD/tree32
+WINE32=$TREE32/outside
+
+# use_wine PREFIX [win32]: commands of Wine work in this prefix from here on, in Portuguese; "$WINE" runs a program of the
+# prefix's width. Debian keeps wine64 beside the path.
+PATH_WITHOUT_WINE=$PATH
 use_wine() {
-  export WINEPREFIX=$1 WINEARCH=win64
+  export WINEPREFIX=$1 WINEARCH=${2:-win64}
+  if [[ $WINEARCH = win32 ]]; then
+    export WINE=wine PATH=$WINE32:$PATH_WITHOUT_WINE
+  else
+    export WINE=wine64 PATH=/usr/lib/wine:$PATH_WITHOUT_WINE
+  fi
   export WINEDEBUG=${WINEDEBUG:--all}
   # No questions about Mono and Gecko, no entries in the user's menus.
   export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
   unset WINELOADER WINESERVER
-  case :$PATH: in *:/usr/lib/wine:*) ;; *) export PATH=/usr/lib/wine:$PATH ;; esac
   use_portuguese
 }
 
 # Nothing under Wine in this prefix outlives the script.
-end_wine_at_exit() { at_exit "timeout 20 wineserver -k; timeout 20 wineserver -w"; }
+end_wine_at_exit() {
+  local server
+  printf -v server 'WINEPREFIX=%q timeout 20 %q' "$WINEPREFIX" "$(command -v wineserver)"
+  at_exit "$server -k; $server -w"
+}
 
 # windows_path FILE: as a program under Wine takes it.
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }

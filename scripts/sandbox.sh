@@ -15,20 +15,27 @@ SUITE_PASSWORD=Suite-2026
 
 CATALOGUE_TOOL=$BUILD/native/sandbox/catalogue/catalogue_tool
 SCRAMBLE=$BUILD/native/sandbox/host/scramble
-COMPONENT_DLL=$BUILD/win64/src/platform/com/Quenta_Produtos.dll
-SANDBOX_DLL=$BUILD/win64/sandbox/com/QuentaSandbox.dll
-HOST_EXE=$BUILD/win64/sandbox/host/QuentaHost.exe
 
-# Under Wine, too, the sandbox's database is opened by the machine's own SQLite, with an extension of its kind.
-configure_win64() {
-  configure win64 -DQUENTA_SQLITE_EXTENSION="$BUILD/native/sandbox/odbc/sqlite_extension/sandbox_sqlite.so"
+# use_windows win64|win32: the build for Windows that is meant from here on. Under Wine, too, the sandbox's database is
+# opened by the host's SQLite, with an extension of its kind and width.
+use_windows() {
+  local kind=native
+  [[ $1 = win64 ]] || kind=linux32
+  WINDOWS=$1
+  COMPONENT_DLL=$BUILD/$1/src/platform/com/Quenta_Produtos.dll
+  SANDBOX_DLL=$BUILD/$1/sandbox/com/QuentaSandbox.dll
+  HOST_EXE=$BUILD/$1/sandbox/host/QuentaHost.exe
+  SQLITE_EXTENSION=$BUILD/$kind/sandbox/odbc/sqlite_extension/sandbox_sqlite.so
 }
+use_windows win64
+
+configure_windows() { configure "$WINDOWS" -DQUENTA_SQLITE_EXTENSION="$SQLITE_EXTENSION"; }
 
 build_sandbox() {
   mkdir -p "$SANDBOX"
   step "Configuring the tools" configure-native 300 configure native
   step "Building the tools" build-native 1500 build native catalogue_tool scramble
-  step "Configuring the component" configure-win64 300 configure_win64
+  step "Configuring the component" configure-win64 300 configure_windows
   step "Building the component, 64 bits" build-win64 2400 build win64 Quenta_Produtos sandbox_com sandbox_host
 }
 
@@ -53,7 +60,7 @@ boot_prefix() {
   for font in /usr/share/wine/fonts/*.ttf; do
     if [[ -f $font ]]; then ln -sf "$font" "$prefix/drive_c/windows/Fonts/"; fi
   done
-  wine64 wineboot -i && wineserver -w && touch "$prefix/booted"
+  "$WINE" wineboot -i && wineserver -w && touch "$prefix/booted"
 }
 
 # prepare_prefix PREFIX: registers the component and the sandbox's own classes, and writes the settings. What was done
@@ -61,10 +68,10 @@ boot_prefix() {
 prepare_prefix() {
   local prefix=$1
   boot_prefix "$prefix" &&
-    wine64 regsvr32 /s "$(windows_path "$SANDBOX_DLL")" &&
-    wine64 regsvr32 /s "$(windows_path "$COMPONENT_DLL")" &&
+    "$WINE" regsvr32 /s "$(windows_path "$SANDBOX_DLL")" &&
+    "$WINE" regsvr32 /s "$(windows_path "$COMPONENT_DLL")" &&
     settings_file >"$prefix/settings.reg" &&
-    wine64 regedit /S "$(windows_path "$prefix/settings.reg")" &&
+    "$WINE" regedit /S "$(windows_path "$prefix/settings.reg")" &&
     wineserver -w &&
     prefix_fingerprint >"$prefix/prepared"
 }
@@ -127,7 +134,7 @@ INI
 # use_sandbox: Wine, and the programs under it, find the sandbox. Needs a display before.
 use_sandbox() {
   export ODBCINI=$SANDBOX/odbc.ini
-  use_wine "$PREFIX"
+  use_wine "$PREFIX" "$WINDOWS"
 }
 
 # prepare_sandbox: everything that the sample host needs beside its own program.
@@ -141,6 +148,6 @@ prepare_sandbox() {
 
 # run_host OPTIONS…: until the user closes it.
 run_host() {
-  wine64 "$(windows_path "$HOST_EXE")" "/servers:$(windows_path "$SANDBOX/servidores.ini")" "$@" \
+  "$WINE" "$(windows_path "$HOST_EXE")" "/servers:$(windows_path "$SANDBOX/servidores.ini")" "$@" \
     >"$(log_of host)" 2>&1
 }

@@ -13,7 +13,7 @@ PRODUCTS=(10000 10106-CZ 10204)
 # A desktop of Wine's own stands in for a window manager: it draws captions and knows which window is in front.
 start_host() {
   rm -f "$HOST_LOG"
-  wine64 explorer "/desktop=Quenta,1280x1024" "$(windows_path "$HOST_EXE")" \
+  "$WINE" explorer "/desktop=Quenta,1280x1024" "$(windows_path "$HOST_EXE")" \
     "/servers:$(windows_path "$SANDBOX/servidores.ini")" "/log:$(windows_path "$HOST_LOG")" "$@" \
     >>"$(log_of host)" 2>&1 &
 }
