@@ -18,6 +18,15 @@ void Component::WhenNotBusy(std::function<void()> request) {
   requests_.push_back(std::move(request));
 }
 
+ports::Answer Component::Ask(const ports::Message& message) {
+  const struct OpenBox {
+    explicit OpenBox(int& count) noexcept : boxes(count) { ++boxes; }
+    ~OpenBox() { --boxes; }
+    int& boxes;
+  } box(boxes_);
+  return session_.ports().desktop.Ask(message, nullptr);
+}
+
 void Component::DropRequests() noexcept {
   form_host_.StopTimer(*this);
   // They go last: with them may go the objects of the host that they hold.
@@ -31,7 +40,7 @@ void Component::OnTimer() noexcept {
   running_ = true;
   // Kept to the end: with the last request may go the General that keeps this object.
   std::list<std::function<void()>> done;
-  while (!requests_.empty() && !product_forms_.Busy()) {
+  while (!requests_.empty() && boxes_ == 0 && !product_forms_.Busy()) {
     done.splice(done.end(), requests_, requests_.begin());
     done.back()();
   }

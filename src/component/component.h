@@ -26,6 +26,8 @@ class Component final : private ports::TimerTarget {
   // base::Error, and forgets the request, when it would have to wait and there is no timer to wait by. A request throws
   // nothing when it runs from the message loop.
   void WhenNotBusy(std::function<void()> request);
+  // Asks or tells the user on the component's own behalf; requests that wait do so until the box is closed.
+  ports::Answer Ask(const ports::Message& message);
   // Forgets the requests that wait.
   void DropRequests() noexcept;
 
@@ -40,6 +42,7 @@ class Component final : private ports::TimerTarget {
   ports::FormHost& form_host_;
   std::list<std::function<void()>> requests_;
   bool running_ = false;  // requests that have waited
+  int boxes_ = 0;         // of ours that are open
 };
 
 }  // namespace quenta::component

@@ -1,10 +1,11 @@
 #include "component/general.h"
 
 #include "base/convert.h"
+#include "base/text.h"
 #include "component/connecting.h"
 #include "component/session/guarded.h"
 #include "data/check_permissions.h"
-#include "data/registry.h"
+#include "data/warehouse.h"
 
 namespace quenta::component {
 namespace {
@@ -17,11 +18,10 @@ constexpr session::Labels kSQLConnectLabels{"Quenta Software", "Quenta Software"
 
 // The workstation's warehouse may forbid new products; one that is not set or has no row allows them.
 bool WarehouseAllowsNewProducts(session::Session& session) {
-  data::Registry registry(session.ports());
-  const base::Value armazem = registry.ObterValorString(session.SettingsKey(), "Armazem");
-  if (armazem.is_null()) return true;
+  const auto armazem = data::CurrentWarehouse(session);
+  if (!armazem) return true;
   const ports::RowSet rows =
-      session.Query("SELECT * FROM tbArmazens WHERE armazem_id = " + base::ToText(armazem, session.locale()));
+      session.Query("SELECT * FROM tbArmazens WHERE armazem_id = " + base::DecimalText(*armazem));
   return rows.empty() ||
          (base::IsNonZero(rows.front()["sql_gateway"]) && base::IsNonZero(rows.front()["can_modify_produts"]));
 }
@@ -92,19 +92,17 @@ void General::New(const ports::ProductRequest& request) {
   session::Session& session = component_.session();
   if (!session.state().connected) return;
   if (!WarehouseAllowsNewProducts(session)) {
-    session.ports().desktop.Ask({.text = "Não é possível criar produtos no armazem actual.",
-                                 .title = "Criar Produto",
-                                 .icon = ports::Icon::kInformation,
-                                 .system_modal = true},
-                                nullptr);
+    component_.Ask({.text = "Não é possível criar produtos no armazem actual.",
+                    .title = "Criar Produto",
+                    .icon = ports::Icon::kInformation,
+                    .system_modal = true});
     return;
   }
   if (!data::CheckSecurityPolicy(session, session.state().session_user, "#2282", nullptr)) {
-    session.ports().desktop.Ask({.text = "Não tem permissões para criar novos produtos. Contacte o administrador de "
-                                         "segurança para que lhe sejam atribuídas as permissões necessárias.",
-                                 .title = "Politicas de Segurança",
-                                 .icon = ports::Icon::kCritical},
-                                nullptr);
+    component_.Ask({.text = "Não tem permissões para criar novos produtos. Contacte o administrador de segurança para "
+                            "que lhe sejam atribuídas as permissões necessárias.",
+                    .title = "Politicas de Segurança",
+                    .icon = ports::Icon::kCritical});
     return;
   }
   Show(request);

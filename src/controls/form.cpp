@@ -1,8 +1,16 @@
 #include "controls/form.h"
 
+#include <exception>
+#include <utility>
+
 namespace quenta::controls {
 
-Form::Form(ports::FormHost& host, std::string name) : host_(host), name_(std::move(name)), caption_(name_) {}
+Form::Form(ports::FormHost& host, std::string name) : host_(host), name_(std::move(name)), caption_(name_) {
+  unload_later_.on_timer = [this] {
+    unload_later_.set_enabled(false);
+    Unload();
+  };
+}
 
 Form::~Form() = default;
 
@@ -70,6 +78,10 @@ void Form::Show() {
 bool Form::Unload() {
   if (!loaded_) return true;
   if (unloading_ || loading_) return false;
+  if (in_operation()) {
+    unload_put_off_ = true;
+    return false;
+  }
   const std::shared_ptr<Form> alive = shared_from_this();
   unloading_ = true;
   bool cancel = false;
@@ -94,7 +106,19 @@ void Form::Closed() noexcept {
   if (!loaded_) return;
   loaded_ = false;
   visible_ = false;
+  unload_put_off_ = false;
+  unload_later_.set_enabled(false);
   OnClosed();
+}
+
+// Not from here: the operation that has ended stands on the stack of whoever began it.
+void Form::EndOperation() noexcept {
+  if (--operations_ > 0 || !std::exchange(unload_put_off_, false) || !loaded_) return;
+  try {
+    unload_later_.set_enabled(true);
+  } catch (const std::exception&) {
+    // Without a timer the form stays; the user can close it again.
+  }
 }
 
 void Form::Attach(FormView* view) noexcept {

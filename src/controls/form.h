@@ -7,6 +7,7 @@
 
 #include "controls/commands.h"
 #include "controls/layout.h"
+#include "controls/timer.h"
 #include "ports/form_host.h"
 #include "ports/host_object.h"
 
@@ -66,8 +67,11 @@ class Form : public std::enable_shared_from_this<Form> {
   // Loads the form if it is not loaded, and shows it or brings it to the front.
   void Show();
   // Runs the unload procedure; unless it cancels, the window goes. Returns whether the form is unloaded now.
-  // A second call while the first one asks the user returns false.
+  // A second call while the first one asks the user returns false. While an operation runs on the form, it is put off
+  // until that has ended.
   bool Unload();
+  // Whether an operation runs on the form: it waits for the database, or asks the user.
+  bool in_operation() const noexcept { return operations_ > 0; }
   // The window is gone without our doing (the host destroyed it, the session ends): no question can be asked any more.
   void WindowLost() noexcept;
 
@@ -79,6 +83,20 @@ class Form : public std::enable_shared_from_this<Form> {
   std::string Dump() const;
 
  protected:
+  // While one lives, an operation runs on the form. What the user or the host does meanwhile cannot close the form
+  // under it: nothing is saved from a form that the user has closed without saving.
+  class Operation {
+   public:
+    explicit Operation(Form& form) noexcept : form_(form), alive_(form.weak_from_this().lock()) { ++form_.operations_; }
+    ~Operation() { form_.EndOperation(); }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+   private:
+    Form& form_;
+    std::shared_ptr<Form> alive_;
+  };
+
   virtual void OnLoad() {}
   // The unload procedure: sets cancel to keep the form.
   virtual void OnUnload(bool& cancel) { (void)cancel; }
@@ -97,6 +115,7 @@ class Form : public std::enable_shared_from_this<Form> {
     if (view_ != nullptr) view_->FormChanged(aspect);
   }
   void Closed() noexcept;
+  void EndOperation() noexcept;
 
   ports::FormHost& host_;
   std::string name_;
@@ -109,6 +128,9 @@ class Form : public std::enable_shared_from_this<Form> {
   bool loading_ = false;
   bool visible_ = false;
   bool unloading_ = false;
+  int operations_ = 0;
+  bool unload_put_off_ = false;
+  Timer unload_later_{host_, 1};
   FormView* view_ = nullptr;
 };
 

@@ -65,14 +65,18 @@ bool MainProduct::HasDependant(const Combination& combination) const {
   return !session_.Query(query).empty();
 }
 
-void MainProduct::CreateDependant(const Combination& combination) const {
+bool MainProduct::CreateDependant(const Combination& combination) const {
   session::Transaction transaction(session_);
   const std::int32_t produto_id = product::TakeProdutoId(session_);
+  // The counter's row is ours until the end: whoever generates beside us has either committed what can be found now, or
+  // will look for it after us.
+  if (HasDependant(combination)) return false;
   InsertProduct(produto_id, combination);
   product::InsertStocks(session_, produto_id);
   product::CopyMinimums(session_, produto_id_, produto_id);
   CopyPrices(produto_id);
   transaction.Commit();
+  return true;
 }
 
 void MainProduct::InsertProduct(std::int32_t produto_id, const Combination& combination) const {

@@ -30,8 +30,8 @@ class MainProduct {
   // Deleted dependants do not count.
   bool HasDependant(const Combination& combination) const;
   // The product with its stock, minimum and price rows, in a transaction of its own (or in the host's, which it
-  // commits).
-  void CreateDependant(const Combination& combination) const;
+  // commits). False, and nothing is created, when another user has made the same dependant meanwhile.
+  bool CreateDependant(const Combination& combination) const;
 
  private:
   void InsertProduct(std::int32_t produto_id, const Combination& combination) const;

@@ -242,18 +242,14 @@ frmGerar::End frmGerar::Generate(const Choice& choice, Progress& progress) {
   const Run run(*this);
   const ports::RowSet products =
       session_.Query("SELECT * FROM tbProdutos WHERE produto_id=" + base::DecimalText(produto_id_));
-  if (products.empty()) return End::kNoMainProduct;
+  if (products.empty() || base::IsNonZero(products.front()["is_deleted"])) return End::kNoMainProduct;
   const MainProduct main(session_, products.front());
   for (int i = 0; i < choice.Count(); ++i) {
     const Combination combination = choice.At(i);
     progress.code = main.CodeOf(combination);
     if (!MayGoOn(progress.code, i, choice.Count())) return End::kStopped;
-    if (main.HasDependant(combination)) {
-      ++progress.skipped;
-      continue;
-    }
-    main.CreateDependant(combination);
-    ++progress.created;
+    const bool created = !main.HasDependant(combination) && main.CreateDependant(combination);
+    ++(created ? progress.created : progress.skipped);
   }
   return End::kComplete;
 }
@@ -267,8 +263,10 @@ bool frmGerar::MayGoOn(const std::string& code, int position, int count) {
 }
 
 void frmGerar::Tell(const std::string& text, ports::Icon icon) {
-  Guarded("Command1_Click",
-          [&] { session_.ports().desktop.Ask({.text = text, .title = caption(), .icon = icon}, this); });
+  Guarded("Command1_Click", [&] {
+    const hosting::ExclusiveUse exclusive(forms_, *this);
+    session_.ports().desktop.Ask({.text = text, .title = caption(), .icon = icon}, this);
+  });
 }
 
 void frmGerar::TellEnd(End end, const Progress& progress) {

@@ -26,6 +26,11 @@ void Forms::Remove(controls::Form& form) noexcept {
   if (forms_.empty() && main_childs_ != nullptr) main_childs_->CloseLater();
 }
 
+bool Forms::Busy() const noexcept {
+  return in_exclusive_use() ||
+         std::any_of(forms_.begin(), forms_.end(), [](const controls::Form* form) { return form->in_operation(); });
+}
+
 ExclusiveUse::ExclusiveUse(Forms& forms, controls::Form& user) : forms_(forms) {
   ++forms_.exclusive_uses_;
   for (controls::Form* form : forms_.all()) {

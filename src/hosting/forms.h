@@ -27,6 +27,8 @@ class Forms {
   // The hidden form; null while there is no user interface.
   const std::shared_ptr<frmMainChilds>& main_childs() const noexcept { return main_childs_; }
 
+  // True while an ExclusiveUse lives, or an operation runs on a form: what the host asks for then has to wait.
+  bool Busy() const noexcept;
   // True while an ExclusiveUse lives.
   bool in_exclusive_use() const noexcept { return exclusive_uses_ > 0; }
 

@@ -1,5 +1,6 @@
 // Closing the form: the question whether to save, and what each answer does.
 #include "base/text.h"
+#include "component/session/connection_keeper.h"
 #include "component/session/transaction.h"
 #include "product/frm_main_guard.h"
 
@@ -30,6 +31,8 @@ bool frmMain::MayClose() {
 // Undoes a creation that the user did not want to keep. The numbers it took are not given back.
 void frmMain::DeleteNewProduct() {
   const hosting::ExclusiveUse exclusive(forms_, *this);
+  // The form closes as soon as the server is back.
+  session::EnsureConnection(session_);
   session::Transaction transaction(session_);
   for (const char* statement :
        {"DELETE FROM tbProdutos_Precos WHERE produto_id = ", "DELETE FROM tbProdutos_Stocks WHERE produto_id = ",

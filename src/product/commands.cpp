@@ -77,11 +77,10 @@ void frmMain::AddMenus() {
                  on_page(Frame4, button(Toolbar2, "remover", "mnDependentesRemover", "&Remover dependente"))}},
       {.name = "mnProdutos",
        .caption = "Preço&s",
-       .items = {on_page(
-           Frame1, {.name = "mnProdutosPredef",
-                    .caption = "Tornar &predefinido",
-                    .on_click = [this] { mnProdutosPredef_Click(); },
-                    .can_run = [this] { return ListView2.selected() >= 0 && Toolbar1.Item("gravar").visible; }})}},
+       .items = {on_page(Frame1, {.name = "mnProdutosPredef",
+                                  .caption = "Tornar &predefinido",
+                                  .on_click = [this] { mnProdutosPredef_Click(); },
+                                  .can_run = [this] { return ListView2.selected() >= 0 && MayChange(); }})}},
       // Which warehouses keep a product is not decided here: these two entries have no action.
       {.name = "mnStocks",
        .caption = "Stoc&ks",
@@ -90,7 +89,7 @@ void frmMain::AddMenus() {
                                   .caption = "&Propriedades…",
                                   .shortcut = "Enter",
                                   .on_click = [this] { mnStocksPropriedades_Click(); },
-                                  .can_run = [this] { return ListView1.selected() >= 0; }}),
+                                  .can_run = [this] { return ListView1.selected() >= 0 && MayChange(); }}),
                  {.name = "mnStocksRemoverArmazem", .caption = "&Remover armazém", .enabled = false}}},
       {.name = "mnHistorico",
        .caption = "&Histórico",
@@ -175,7 +174,10 @@ void frmMain::ShowTab(const std::string& key) {
 }
 
 // Reads the list of the page that is shown again. The price list is left: it holds what the user has not saved yet.
+// What could not be read when the form was opened is read again, too.
 void frmMain::RefreshPage() {
+  ReadAgain();
+  if (!loaded()) return;
   if (TabStrip1.selected_key() == "stocks") Fill_Stocks();
   TabStrip1_Click();
 }

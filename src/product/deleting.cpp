@@ -98,7 +98,9 @@ void DeleteSoftly(session::Session& session, const std::string& produto_id) {
 // The form goes topmost for the question, and back only after No or an error: what else is said stands in front, too.
 void frmMain::Apagar() {
   const std::shared_ptr<Form> alive = shared_from_this();
+  bool deleted = false;
   const auto delete_product = [&] {
+    const Operation operation(*this);
     const std::string id = base::DecimalText(produto_id_);
     host().SetTopmost(*this, true);
     const Answer answer = session_.ports().desktop.Ask(
@@ -125,9 +127,11 @@ void frmMain::Apagar() {
       DeleteSoftly(session_, id);
       transaction.Commit();
     }
-    Unload();
+    deletion_known_ = true;
+    deleted = true;
   };
   GuardedWithRollback(session_, kDeletingLabels, "Gravar", delete_product, [&] { host().SetTopmost(*this, false); });
+  if (deleted) Unload();
 }
 
 void frmMain::Reactivate(std::int32_t, controls::Form&) {

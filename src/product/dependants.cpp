@@ -84,6 +84,7 @@ void frmMain::Toolbar2_ButtonClick(const std::string& key) {
     // Only now: had the commit failed, the dependant would still be there.
     ListView3.Remove(item);
   };
+  const Operation operation(*this);
   session::Guarded(session_.ports().error_reporting, kToolbarLabels, "Toolbar2_ButtonClick", [&] {
     // A product that was created here and not saved yet may still be given up: dependants of it would stay.
     if (produto_id_ == 0 || (new_product_ && key == "gerar")) {

@@ -4,6 +4,7 @@
 #include "base/convert.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "controls/form_state.h"
 #include "data/check_permissions.h"
 #include "data/sql_field.h"
 #include "product/copying.h"
@@ -91,7 +92,7 @@ bool CopyProduct(session::Session& session, std::int32_t produto_id, CopyNumbers
 }  // namespace
 
 void frmMain::Duplicar() {
-  const std::shared_ptr<Form> alive = shared_from_this();
+  const Operation operation(*this);
   session::Guarded(session_.ports().error_reporting, kLabels, "Gravar", [&] {
     const Answer answer = Ask({.text = "Deseja duplicar este produto?",
                                .title = "Registo de Documentos",
@@ -114,14 +115,47 @@ void frmMain::Duplicar() {
       // By its numbers, what is there of the copy can be found.
       throw base::Error(error.number(), error.description() + numbers.Text());
     }
-    produto_id_ = *numbers.produto_id;
-    Fill();
+    ShowCopy(*numbers.produto_id);
     if (!loaded()) return;
+    if (produto_id_ != *numbers.produto_id) {
+      throw base::Error(base::error_number::kDataAccess, "The copy could not be shown." + numbers.Text());
+    }
     new_product_ = true;
     SetAltered(true);
     // The page that is open may show the lists of the product that was copied.
     TabStrip1_Click();
   });
+}
+
+// A copy that cannot be shown whole leaves the form with the product that it showed, whole.
+void frmMain::ShowCopy(std::int32_t produto_id) {
+  controls::FormState shown(*this);
+  const struct {
+    std::int32_t produto_id;
+    bool new_product, altered, precos_altered, deletion_known, locked, line_is_exempt;
+    std::string preco_key;
+    std::optional<base::Value> modified;
+    std::optional<std::int32_t> familia_of_subfamilias;
+    std::array<bool, kAttributeCount> has_attribute;
+  } before{produto_id_,     new_product_, altered_,  PrecosAltered,           deletion_known_, locked_,
+           line_is_exempt_, PrecoKey,     modified_, familia_of_subfamilias_, has_attribute_};
+  produto_id_ = produto_id;
+  PrecoKey.clear();
+  Fill();
+  if (!loaded() || !incomplete_) return;
+  shown.PutBack();
+  produto_id_ = before.produto_id;
+  new_product_ = before.new_product;
+  PrecosAltered = before.precos_altered;
+  deletion_known_ = before.deletion_known;
+  locked_ = before.locked;
+  incomplete_ = false;
+  line_is_exempt_ = before.line_is_exempt;
+  PrecoKey = before.preco_key;
+  modified_ = before.modified;
+  familia_of_subfamilias_ = before.familia_of_subfamilias;
+  has_attribute_ = before.has_attribute;
+  SetAltered(before.altered);
 }
 
 }  // namespace quenta::product

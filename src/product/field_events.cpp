@@ -20,7 +20,7 @@ constexpr int kDimension = controls::format_code::kNumber;
 
 // Only the user marks the record: while the form fills itself it is not on the screen yet, or says so.
 void frmMain::MarkAltered() {
-  if (visible()) SetAltered(true);
+  if (visible() && MayChange()) SetAltered(true);
 }
 
 // Keys that lead to a command, or out of the field, and change nothing in it.
@@ -97,8 +97,16 @@ void frmMain::FXFamilia_ID_LostFocus() {
   Guarded("FXFamilia_ID_LostFocus", [&] {
     const auto chosen = FXSub_Familia_ID.SelectedItemData();
     const bool same_family = FXFamilia_ID.SelectedItemData() == familia_of_subfamilias_;
-    FillSubfamilias();
-    if (same_family && chosen) Set(FXSub_Familia_ID, *chosen);
+    const auto choose_again = [&] {
+      if (same_family && chosen) SetOffered(FXSub_Familia_ID, *chosen);
+    };
+    try {
+      FillSubfamilias();
+    } catch (...) {
+      choose_again();
+      throw;
+    }
+    choose_again();
   });
 }
 

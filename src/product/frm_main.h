@@ -1,6 +1,8 @@
 // The product form: its fields, its state, and the names of its operations. Each operation has a file of its own.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -53,8 +55,11 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // Saves the product. False when it was refused, which the user has been told, or failed, which was reported; the form
   // and its fields are then as they were. (saving.cpp)
   bool Gravar();
-  // Makes the record read-only and hides the editing buttons; with false undoes both. (load.cpp)
+  // Makes the record read-only and hides the editing buttons; with false undoes both. What else changes the product is
+  // closed and opened with it. (locking.cpp)
   void LockProduto(bool locked);
+  // Whether the user may change the product that is shown: it was read whole, and its warehouse allows it.
+  bool MayChange() const noexcept { return !locked_ && !incomplete_; }
   // The product's type decides which attribute fields it has and whether there is a stock tab. (types.cpp)
   void FXTipo_ID_Click();
 
@@ -87,6 +92,9 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // (deleting.cpp)
   void Reactivate(std::int32_t number, controls::Form& caller);
 
+  // A form over this one has changed the product, whose data_modified it found and left like this. (saving.cpp)
+  void StampChanged(const base::Value& before, const base::Value& after);
+
   // Writes the product's report from a template of the templates folder; an empty output path becomes a file in the
   // temporary folder. Returns the path, empty when the report failed. (report.cpp)
   std::string DoReport(std::string& output_path, const std::string& template_name);
@@ -98,6 +106,8 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void Toolbar1_ButtonMenuClick(const std::string& key);
   void Toolbar2_ButtonClick(const std::string& key);
   void Toolbar3_ButtonClick(const std::string& key);
+
+  static constexpr std::size_t kAttributeCount = 5;  // that a type may have: size, colour and three dimensions
 
   // Key of the price line that the entry fields show; empty while none is shown.
   std::string PrecoKey;
@@ -217,12 +227,21 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void AddEntry(controls::ComboBox& box, const ports::Row& row, const char* text_column, const char* id_column);
 
   // load.cpp
+  bool ReadProduct();
+  void ReadAgain();
   void ClearRecord();
   bool LoadProduct();
   void ShowRecord(const ports::Row& product);
+  void SetOffered(controls::ComboBox& box, const base::Value& id);
   void NoteAssociations();
   void LockByWarehouse();
   void SetHistoryPeriod();
+
+  // locking.cpp, types.cpp, vat_exemption.cpp
+  void SetIncomplete(bool incomplete);
+  void CloseOrOpen();
+  void ShowAttributes();
+  void ShowExemption();
 
   // creation.cpp
   void CreateProduct();
@@ -283,12 +302,16 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   bool FieldsAreValid();
   bool CodeIsTaken();
   bool ExemptionsHaveReasons();
-  void SaveRecord();
+  bool SaveRecord();
   void ForgetEmptied();
+  bool MayOverwrite();
   void SaveProduct();
-  void SaveRelatives();
+  base::Value SaveRelatives();
   void SavePrices(const std::string& produto_id);
   void ReplicatePrices();
+
+  // duplicating.cpp
+  void ShowCopy(std::int32_t produto_id);
 
   // closing.cpp
   bool MayClose();
@@ -304,9 +327,14 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   hosting::Forms& forms_;
   MakeGenerator make_generator_;
   ports::ProductRequest request_;
-  std::int32_t produto_id_ = 0;  // 0 until a product is loaded or created
-  bool new_product_ = false;     // the product was created in this form and not saved yet
-  bool record_shown_ = false;    // the fields show the product whole; nothing else can be saved
+  std::int32_t produto_id_ = 0;          // 0 until a product is loaded or created
+  bool new_product_ = false;             // the product was created in this form and not saved yet
+  std::optional<base::Value> modified_;  // data_modified as this form knows it; nothing for a product just created
+  bool deletion_known_ = false;          // it was deleted when it was read, or has been by this form
+  bool incomplete_ = false;      // the product could not be read whole: it can only be looked at, and read again
+  bool locked_ = false;          // the workstation's warehouse may not change products
+  bool line_is_exempt_ = false;  // the price line that is shown has no VAT and needs a reason
+  std::array<bool, kAttributeCount> has_attribute_{};  // what the type that is chosen switches on (types.cpp)
   bool altered_ = false;
   bool filling_ = false;                                // while true, nothing marks the record as altered
   std::optional<std::int32_t> familia_of_subfamilias_;  // the family that the subfamily list belongs to

@@ -24,6 +24,7 @@ class FillingMark {
 
 template <typename Body>
 auto frmMain::Guarded(const char* procedure, Body&& body) noexcept {
+  const Operation operation(*this);
   return session::Guarded(session_.ports().error_reporting, kFormLabels, procedure, body);
 }
 

@@ -10,6 +10,7 @@
 #include "controls/field_entry.h"
 #include "controls/field_value.h"
 #include "data/check_permissions.h"
+#include "product/product_stamp.h"
 
 namespace quenta::product {
 namespace {
@@ -28,6 +29,7 @@ std::string ListText(const controls::TextField& field, const base::Locale& local
 
 template <typename Body>
 void frmStocks::Guarded(const std::string& procedure, Body&& body) noexcept {
+  const Operation operation(*this);
   session::Guarded(session_.ports().error_reporting, kLabels, procedure.c_str(), body);
 }
 
@@ -113,6 +115,8 @@ void frmStocks::ShowRecord() {
 }
 
 void frmStocks::Command1_Click() {
+  const std::shared_ptr<Form> alive = shared_from_this();
+  bool saved = false;
   Guarded("Command1_Click", [&] {
     if (!Command1.enabled()) return;
     if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281", this)) {
@@ -131,8 +135,9 @@ void frmStocks::Command1_Click() {
     }
     SaveRecord();
     ShowInList();
-    Unload();
+    saved = true;
   });
+  if (saved) Unload();
 }
 
 void frmStocks::SaveRecord() {
@@ -140,13 +145,17 @@ void frmStocks::SaveRecord() {
   const std::string produto_id = base::DecimalText(produto_id_);
   const hosting::ExclusiveUse exclusive(forms_, *this);
   session::Transaction transaction(session_);
+  // So that the product form does not take this change for another user's, nor another user's for this one.
+  const base::Value before = ReadStamp(session_, produto_id_).modified;
   // Never an insert: the suite's other modules create a warehouse's minimums.
   session_.Execute("UPDATE tbProdutos_Stocks_Minimos SET unidades = " +
                    controls::GetFieldValue(FXStockMinimo, kAmount4, session_.locale()) +
                    ", reposicao = " + controls::GetFieldValue(FXReposicao, kAmount4, session_.locale()) +
                    " WHERE armazem_id = " + base::DecimalText(armazem_id_) + " AND produto_id = " + produto_id);
   session_.Execute("UPDATE tbProdutos SET data_modified = GETDATE() WHERE produto_id = " + produto_id);
+  const base::Value after = ReadStamp(session_, produto_id_).modified;
   transaction.Commit();
+  if (const auto opener = OpenerOf(produto_id_)) opener->StampChanged(before, after);
 }
 
 // The product form may be gone by now, or show another product.

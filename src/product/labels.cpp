@@ -187,6 +187,7 @@ std::vector<std::string> CodesWithoutBars(std::string_view label_template, const
 }
 
 void frmMain::ConstructDoc(const std::string&) {
+  const Operation operation(*this);
   session::Guarded(session_.ports().error_reporting, kDocumentLabels, "ConstructDoc", [&] {
     const auto folder = TemplatesFolder(session_, *this);
     if (!folder) return;

@@ -5,8 +5,8 @@
 #include "base/date.h"
 #include "base/text.h"
 #include "controls/field_value.h"
-#include "data/registry.h"
 #include "data/shared_queries.h"
+#include "data/warehouse.h"
 #include "product/frm_main_guard.h"
 
 namespace quenta::product {
@@ -33,30 +33,49 @@ constexpr Association kAssociations[] = {
 }  // namespace
 
 void frmMain::Fill() {
-  Guarded("Fill", [&] {
+  const bool whole = Guarded("Fill", [&] {
     const FillingMark mark(filling_);
-    record_shown_ = false;
-    ClearRecord();
-    bool shown = FillLookups();
-    // While a list waits for the server, the host may take the form away: nobody is there then for a new product.
-    if (!loaded()) return;
-    // Only a saved product can be duplicated or deleted.
-    for (const char* key : {"apagar", "duplicar"}) Toolbar1.EnableButton(key, produto_id_ != 0);
-    if (produto_id_ == 0) {
-      CreateProduct();
-    } else {
-      new_product_ = false;
-      shown = LoadProduct() && shown;
-      NoteAssociations();
-    }
-    shown = Fill_Precos() && shown;
-    Fill_Stocks();
-    LockByWarehouse();
-    record_shown_ = shown;
-    Toolbar1.EnableButton("imprimir", shown);
-    Toolbar3.EnableButton("relatorio", shown);
+    return ReadProduct();
   });
+  // While a list waited for the server, the host may have taken the form away.
+  if (!loaded()) return;
+  SetIncomplete(!whole);
   SetAltered(false);
+}
+
+// False when part of the product could not be read, which was reported.
+bool frmMain::ReadProduct() {
+  modified_.reset();
+  deletion_known_ = false;
+  LockProduto(false);
+  ClearRecord();
+  const bool lists = FillLookups();
+  if (!loaded()) return false;
+  bool there = true;
+  if (produto_id_ == 0) {
+    // Without its lists, a product would be created without the type and the VAT rate that they propose.
+    if (!lists) return false;
+    CreateProduct();
+  } else {
+    // A creation whose product could not be shown is read again as what it is.
+    if (!incomplete_) new_product_ = false;
+    there = LoadProduct();
+    NoteAssociations();
+  }
+  // Only a saved product can be duplicated or deleted.
+  for (const char* key : {"apagar", "duplicar"}) Toolbar1.EnableButton(key, !new_product_);
+  const bool prices = Fill_Precos();
+  Fill_Stocks();
+  LockByWarehouse();
+  Toolbar1.EnableButton("imprimir", there && prices);
+  Toolbar3.EnableButton("relatorio", there && prices);
+  return lists && prices;
+}
+
+// What could not be read the first time may be there by now.
+void frmMain::ReadAgain() {
+  if (incomplete_) Fill();
+  if (loaded() && FXData_Inicio.value() == base::EmptyDate()) Guarded("Form_Load", [&] { SetHistoryPeriod(); });
 }
 
 // What an earlier product left in the fields never stands under another one's identifier.
@@ -95,10 +114,10 @@ void frmMain::ShowRecord(const ports::Row& product) {
   Set(FXCodigo, product["codigo"]);
   Set(FXFamilia_ID, product["familia_id"]);
   FillSubfamilias();
-  Set(FXSub_Familia_ID, product["subfamilia_id"]);
+  if (FXFamilia_ID.ListIndex() >= 0) SetOffered(FXSub_Familia_ID, product["subfamilia_id"]);
   Set(FXNome, product["nome"]);
   Set(FXDescontinuado, product["descontinuado"]);
-  Set(FXFornecedor_ID, product["fornecedor_id"]);
+  SetOffered(FXFornecedor_ID, product["fornecedor_id"]);
   Set(FXMarca, product["marca"]);
   Set(FXObs, product["obs"]);
   Set(FXAltura, product["altura"], kNumber);
@@ -106,10 +125,23 @@ void frmMain::ShowRecord(const ports::Row& product) {
   Set(FXLargura, product["largura"], kNumber);
   Set(FXCor, product["cor"]);
   Set(FXTamanho, product["tamanho"]);
-  Set(FXTipo_ID, product["tipo_id"]);
+  SetOffered(FXTipo_ID, product["tipo_id"]);
   FXTipo_ID_Click();
-  Set(FXCentro_ID, product["centro_id"]);
+  SetOffered(FXCentro_ID, product["centro_id"]);
+  modified_ = product["data_modified"];
+  deletion_known_ = base::IsNonZero(product["is_deleted"]);
   set_caption("Ficha de Produto - " + FXCodigo.text() + " " + FXNome.text());
+}
+
+// A product keeps what its list does not offer any more (a supplier who is none now, an old type): as an entry of its
+// own, by its number. Left out, it would be erased by the next save. It goes when the list is filled again.
+void frmMain::SetOffered(controls::ComboBox& box, const base::Value& id) {
+  Set(box, id);
+  if (id.is_null() || box.ListIndex() >= 0) return;
+  const std::int32_t number = base::ToLong(id, session_.locale());
+  box.AddItem("(" + base::DecimalText(number) + ")");
+  box.SetItemData(box.NewIndex(), number);
+  box.SetListIndex(box.NewIndex());
 }
 
 void frmMain::NoteAssociations() {
@@ -125,21 +157,11 @@ void frmMain::NoteAssociations() {
 }
 
 void frmMain::LockByWarehouse() {
-  LockProduto(false);
-  data::Registry registry(session_.ports());
-  const base::Value armazem = registry.ObterValorString(session_.SettingsKey(), "Armazem");
-  if (armazem.is_null()) return;
+  const auto armazem = data::CurrentWarehouse(session_);
+  if (!armazem) return;
   const ports::RowSet warehouses =
-      session_.Query("SELECT * FROM tbArmazens WHERE armazem_id = " + base::ToText(armazem, session_.locale()));
+      session_.Query("SELECT * FROM tbArmazens WHERE armazem_id = " + base::DecimalText(*armazem));
   if (!warehouses.empty() && !base::IsNonZero(warehouses.front()["can_modify_produts"])) LockProduto(true);
-}
-
-void frmMain::LockProduto(bool locked) {
-  for (controls::TextField* field : {&FXCodigo, &FXObs, &FXValor, &FXIVA, &FXTOTAL, &FXDesconto}) {
-    field->set_locked(locked);
-  }
-  for (controls::ComboBox* box : {&FXFamilia_ID, &FXSub_Familia_ID, &FXNome, &FXIva_ID}) box->set_locked(locked);
-  for (const char* key : {"gravar", "apagar", "duplicar"}) Toolbar1.ShowButton(key, !locked);
 }
 
 void frmMain::SetHistoryPeriod() {

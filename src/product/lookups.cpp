@@ -1,5 +1,6 @@
 // The lists that the record's fields choose from.
 #include "base/convert.h"
+#include "base/error.h"
 #include "base/text.h"
 #include "data/control_fill.h"
 #include "product/frm_main_guard.h"
@@ -11,6 +12,10 @@ bool frmMain::FillLookups() {
   bool complete = true;
   const auto fill = [&](controls::ComboBox& box, const char* sql, const char* text_column, const char* id_column) {
     complete = data::ControlFill(session_, *this, box, sql, text_column, id_column) && complete;
+    // Reported by now. Without a line, every further question would wait as long as this one did.
+    if (!complete && session_.SharedConnection().State() != ports::ConnectionState::kOpen) {
+      throw base::Error(base::error_number::kClosedConnection, "The connection is not open.");
+    }
   };
   fill(FXTipo_ID, "SELECT * FROM tbProdutos_Tipos ORDER BY tipo_id", "descrit", "tipo_id");
   FXTipo_ID_Click();
@@ -43,13 +48,11 @@ void frmMain::FillSubfamilias() {
   const controls::ComboBox::Update update(FXSub_Familia_ID);
   const auto familia = FXFamilia_ID.SelectedItemData();
   familia_of_subfamilias_ = familia;
-  if (!familia) {
-    FXSub_Familia_ID.Clear();
-    return;
-  }
+  // Before the query: if that fails, no other family's subfamilies stay.
+  FXSub_Familia_ID.Clear();
+  if (!familia) return;
   const ports::RowSet rows =
       session_.Query("SELECT * FROM tbProdutos_Subfamilias WHERE familia_id = " + base::DecimalText(*familia));
-  FXSub_Familia_ID.Clear();
   for (const ports::Row row : rows) AddEntry(FXSub_Familia_ID, row, "descrit", "subfamilia_id");
 }
 

@@ -27,14 +27,15 @@ static_assert(std::size(kColumns) == price_position::kIvaDescrit && std::size(kF
 bool frmMain::Fill_Precos() {
   return Guarded("Fill_Precos", [&] {
     const base::Locale& locale = session_.locale();
-    const ports::RowSet lines = session_.Query(
-        "SELECT tbProdutos_Precos.*, tbProdutos_Precos_Tipos.descrit as tipo FROM tbProdutos_Precos LEFT JOIN "
-        "tbProdutos_Precos_Tipos ON tbProdutos_Precos.tipo_id = tbProdutos_Precos_Tipos.tipo_id WHERE produto_id = " +
-        base::DecimalText(produto_id_) + " ORDER BY tbProdutos_Precos_Tipos.descrit");
+    // Before the query: if that fails, no other product's prices stay.
     PrecoKey.clear();
     PrecosAltered = false;
     uncomputed_.clear();
     ListView2.Clear();
+    const ports::RowSet lines = session_.Query(
+        "SELECT tbProdutos_Precos.*, tbProdutos_Precos_Tipos.descrit as tipo FROM tbProdutos_Precos LEFT JOIN "
+        "tbProdutos_Precos_Tipos ON tbProdutos_Precos.tipo_id = tbProdutos_Precos_Tipos.tipo_id WHERE produto_id = " +
+        base::DecimalText(produto_id_) + " ORDER BY tbProdutos_Precos_Tipos.descrit");
     if (lines.empty()) return true;
     const std::size_t tipo_id = lines.Column("tipo_id");
     const std::size_t tipo = lines.Column("tipo");

@@ -20,7 +20,7 @@ class ProductForms final : public ports::ProductForms {
         make_generator_(make_generator) {}
 
   std::shared_ptr<ports::ProductForm> Create() override;
-  bool Busy() const override { return forms_.in_exclusive_use(); }
+  bool Busy() const override { return forms_.Busy(); }
 
  private:
   session::Session& session_;

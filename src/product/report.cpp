@@ -150,6 +150,7 @@ std::vector<Field> FieldsOf(const frmMain& form, session::Session& session) {
 }  // namespace
 
 std::string frmMain::DoReport(std::string& output_path, const std::string& template_name) {
+  const Operation operation(*this);
   return session::Guarded(session_.ports().error_reporting, kDocumentLabels, "DoReport", [&]() -> std::string {
     const auto folder = TemplatesFolder(session_, *this);
     if (!folder) return {};
@@ -166,6 +167,7 @@ std::string frmMain::DoReport(std::string& output_path, const std::string& templ
 }
 
 void frmMain::Toolbar3_ButtonClick(const std::string& key) {
+  const Operation operation(*this);
   session::Guarded(session_.ports().error_reporting, kToolbarLabels, "Toolbar3_ButtonClick", [&] {
     if (key != "relatorio") return;
     std::string path;

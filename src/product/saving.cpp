@@ -13,6 +13,7 @@
 #include "data/sql_field.h"
 #include "product/frm_main_guard.h"
 #include "product/price_row.h"
+#include "product/product_stamp.h"
 
 namespace quenta::product {
 namespace {
@@ -41,10 +42,13 @@ bool frmMain::Gravar() {
             .icon = Icon::kCritical});
       return false;
     }
-    if (!record_shown_ || !FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons() || !AmountsAreComputed()) {
+    if (incomplete_) {
+      Tell({.text = Label1.caption(), .title = "Registo de Documentos", .icon = Icon::kInformation});
       return false;
     }
-    SaveRecord();
+    if (!FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons() || !AmountsAreComputed() || !SaveRecord()) {
+      return false;
+    }
     Toolbar1.EnableButton("apagar", true);
     Toolbar1.EnableButton("duplicar", true);
     SetAltered(false);
@@ -52,11 +56,13 @@ bool frmMain::Gravar() {
   });
 }
 
-void frmMain::SaveRecord() {
+// False when the user, asked or told about what others did to the product, leaves it as it is.
+bool frmMain::SaveRecord() {
   const hosting::ExclusiveUse exclusive(forms_, *this);
   session::Transaction transaction(session_);
+  if (!MayOverwrite()) return false;
   SaveProduct();
-  SaveRelatives();
+  const base::Value modified = SaveRelatives();
   if (PrecosAltered) {
     SavePrices(base::DecimalText(produto_id_));
     ReplicatePrices();
@@ -70,6 +76,31 @@ void frmMain::SaveRecord() {
   ForgetEmptied();
   PrecosAltered = false;
   new_product_ = false;
+  modified_ = modified;
+  return true;
+}
+
+// Nobody's work is overwritten unasked. Nothing has been written yet, so that nothing is locked while the user thinks.
+bool frmMain::MayOverwrite() {
+  const ProductStamp stamp = ReadStamp(session_, produto_id_);
+  if (stamp.deleted && !deletion_known_) {
+    Tell({.text = "Este produto foi entretanto apagado por outro utilizador. As alterações não foram gravadas.",
+          .title = "Registo de Documentos",
+          .icon = Icon::kInformation,
+          .system_modal = true});
+    return false;
+  }
+  if (!modified_ || *modified_ == stamp.modified) return true;
+  return Ask({.text = "Este produto foi alterado por outro utilizador desde que foi aberto.\nDeseja gravar por cima "
+                      "dessas alterações?",
+              .title = "Registo de Documentos",
+              .icon = Icon::kQuestion,
+              .buttons = Buttons::kYesNo,
+              .system_modal = true}) == Answer::kYes;
+}
+
+void frmMain::StampChanged(const base::Value& before, const base::Value& after) {
+  if (modified_ && *modified_ == before) modified_ = after;
 }
 
 // A field that the user emptied keeps its raw value until null is saved in its place, and not longer: the next one who
@@ -152,7 +183,8 @@ void frmMain::SaveProduct() {
 
 // Products of one main product share their description: it goes to the dependants of this one, and from a dependant to
 // its main product and the other dependants.
-void frmMain::SaveRelatives() {
+// Returns the date of the change that this leaves on the product itself.
+base::Value frmMain::SaveRelatives() {
   const std::string id = base::DecimalText(produto_id_);
   const std::string shared = "UPDATE tbProdutos SET " + Assignments({{"nome", Sql(FXNome)},
                                                                      {"marca", Sql(FXMarca)},
@@ -164,11 +196,15 @@ void frmMain::SaveRelatives() {
   session_.Execute(shared + " WHERE main_id=" + id);
   main_id_.clear();
   const ports::RowSet own = session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + id);
-  if (own.empty()) throw base::Error(base::error_number::kInternal, "The product is not in the database any more.");
-  if (own.front()["main_id"].is_null()) return;
+  if (own.empty() || (base::IsNonZero(own.front()["is_deleted"]) && !deletion_known_)) {
+    throw base::Error(base::error_number::kInternal, "The product is not in the database any more.");
+  }
+  if (own.front()["main_id"].is_null()) return own.front()["data_modified"];
   main_id_ = base::ToText(own.front()["main_id"], session_.locale());
   session_.Execute(shared + " WHERE main_id=" + main_id_);
   session_.Execute(shared + " WHERE produto_id=" + main_id_);
+  // The main product's dependants include this one, whose date has been set once more.
+  return ReadStamp(session_, produto_id_).modified;
 }
 
 void frmMain::SavePrices(const std::string& produto_id) {

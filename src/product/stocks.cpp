@@ -56,6 +56,12 @@ void frmMain::AddStockCommands() {
 void frmMain::mnStocksPropriedades_Click() {
   Guarded("mnStocksPropriedades_Click", [&] {
     if (ListView1.selected() < 0) return;
+    if (!MayChange()) {
+      Tell({.text = locked_ ? "O armazém deste posto não pode alterar produtos." : Label1.caption(),
+            .title = "Stock em Armazém",
+            .icon = ports::Icon::kInformation});
+      return;
+    }
     const std::int32_t armazem_id = base::ToLong(ListView1.At(ListView1.selected()).key.substr(1), session_.locale());
     const auto stocks = std::make_shared<frmStocks>(session_, host(), forms_,
                                                     std::static_pointer_cast<frmMain>(shared_from_this()), armazem_id);

@@ -23,9 +23,15 @@ void frmMain::FillIsencaoIVA() {
       Set(FXIVA_Descrit, base::Value::Null());
       SetInLine(PrecoKey, price_position::kIvaDescrit, "");
     }
-    FXIVA_Descrit.set_enabled(exempt);
-    FXIVA_Descrit_Label.set_enabled(exempt);
+    line_is_exempt_ = exempt;
+    ShowExemption();
   });
+}
+
+void frmMain::ShowExemption() {
+  const bool available = line_is_exempt_ && MayChange();
+  FXIVA_Descrit.set_enabled(available);
+  FXIVA_Descrit_Label.set_enabled(available);
 }
 
 }  // namespace quenta::product

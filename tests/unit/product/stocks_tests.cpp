@@ -135,14 +135,15 @@ TEST_F(StocksTest, SavingWritesBothQuantitiesAndShowsThemInTheirTwoPositions) {
   stocks->FXReposicao.Typed("40");  // and Enter, without leaving the field
   database.Forget();
   stocks->Command1.Clicked();
-  ASSERT_GE(database.statements.size(), 6U);
-  EXPECT_EQ(std::vector(database.statements.end() - 6, database.statements.end()),
+  ASSERT_GE(database.statements.size(), 8U);
+  const std::string stamp = "SELECT is_deleted, data_modified FROM tbProdutos WHERE produto_id = " + id;
+  EXPECT_EQ(std::vector(database.statements.end() - 8, database.statements.end()),
             (std::vector<std::string>{
-                "SELECT @@TRANCOUNT as valor", "BEGIN",
+                "SELECT @@TRANCOUNT as valor", "BEGIN", stamp,
                 "UPDATE tbProdutos_Stocks_Minimos SET unidades = 1250.5, reposicao = 40 WHERE armazem_id = 1 AND "
                 "produto_id = " +
                     id,
-                "UPDATE tbProdutos SET data_modified = GETDATE() WHERE produto_id = " + id,
+                "UPDATE tbProdutos SET data_modified = GETDATE() WHERE produto_id = " + id, stamp,
                 "SELECT @@TRANCOUNT as valor", "COMMIT"}));
   EXPECT_EQ(Minimums(1), "1250.5/40");
   EXPECT_NE(SqlText("SELECT data_modified FROM tbProdutos WHERE produto_id = " + id), "(null)");
