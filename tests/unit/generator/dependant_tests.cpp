@@ -69,6 +69,7 @@ TEST_F(DependantTest, TheStatementsAreTheSuitesToTheBlank) {
                   "BEGIN",
                   "SELECT * FROM tbContadores WHERE nome = 'produto_id'",
                   "UPDATE tbContadores SET contador = contador + 1 WHERE nome = 'produto_id'",
+                  "SELECT * FROM tbProdutos WHERE is_deleted = 0 AND main_id = " + main_id + lookup,
                   "INSERT INTO tbProdutos (produto_id, codigo, nome, familia_id, subfamilia_id, obs, data_created, "
                   "data_modified, fornecedor_id, marca, descontinuado, " +
                       std::string(head) + id + ",'" + codigo +
