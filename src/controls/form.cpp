@@ -8,7 +8,11 @@ namespace quenta::controls {
 Form::Form(ports::FormHost& host, std::string name) : host_(host), name_(std::move(name)), caption_(name_) {
   unload_later_.on_timer = [this] {
     unload_later_.set_enabled(false);
-    Unload();
+    try {
+      Unload();
+    } catch (const std::exception&) {
+      // The form stays.
+    }
   };
 }
 

@@ -34,4 +34,9 @@ void EnsureConnection(session::Session& session, controls::Form* form) {
   session::EnsureConnection(session, &at_work);
 }
 
+void RestoreConnection(session::Session& session, controls::Form& form) {
+  FormAtWork at_work(form);
+  session::RestoreConnection(session, &at_work);
+}
+
 }  // namespace quenta::data

@@ -1,7 +1,7 @@
 // Closing the form: the question whether to save, and what each answer does.
 #include "base/text.h"
-#include "component/session/connection_keeper.h"
 #include "component/session/transaction.h"
+#include "data/ensure_connection.h"
 #include "product/frm_main_guard.h"
 
 namespace quenta::product {
@@ -32,7 +32,7 @@ bool frmMain::MayClose() {
 void frmMain::DeleteNewProduct() {
   const hosting::ExclusiveUse exclusive(forms_, *this);
   // The form closes as soon as the server is back.
-  session::EnsureConnection(session_);
+  data::RestoreConnection(session_, *this);
   session::Transaction transaction(session_);
   for (const char* statement :
        {"DELETE FROM tbProdutos_Precos WHERE produto_id = ", "DELETE FROM tbProdutos_Stocks WHERE produto_id = ",

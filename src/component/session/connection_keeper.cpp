@@ -1,7 +1,9 @@
 #include "component/session/connection_keeper.h"
 
 #include <chrono>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "base/convert.h"
 #include "base/error.h"
@@ -223,6 +225,21 @@ void EnsureConnection(Session& session, WorkingForm* form) {
   if (answer.empty()) return;
   if (answer == kNotKnown && session.SharedConnection().State() == ConnectionState::kOpen) return;
   throw base::Error(base::error_number::kDataAccess, answer);
+}
+
+void RestoreConnection(Session& session, WorkingForm* form) {
+  if (!session.state().primary_connection_string.empty()) {
+    EnsureConnection(session, form);
+    return;
+  }
+  if (ConnectionAnswers(session)) return;
+  if (session.transaction_held || session.shared_connection_string.empty()) {
+    throw base::Error(base::error_number::kDataAccess, kNotPresent);
+  }
+  std::unique_ptr<Connection> connection = session.ports().database.CreateConnection();
+  connection->SetConnectionString(Unscramble(session.shared_connection_string));
+  connection->Open();
+  session.ShareConnection(std::move(connection), session.shared_connection_string);
 }
 
 }  // namespace quenta::session

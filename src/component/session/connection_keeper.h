@@ -43,4 +43,8 @@ bool ConnectionAnswers(Session& session);
 // work it is (null for none) shows the hourglass meanwhile, and the reconnect is shown over it.
 void EnsureConnection(Session& session, WorkingForm* form);
 
+// The same before what a form has to do to be able to go: it also opens a dead line anew that a Login left, which the
+// keeper knows no string for.
+void RestoreConnection(Session& session, WorkingForm* form);
+
 }  // namespace quenta::session

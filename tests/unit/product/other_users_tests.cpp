@@ -247,15 +247,18 @@ TEST_F(SharedProductTest, AFormIsNotClosedUnderAnOperation) {
 }
 
 TEST_F(SharedProductTest, NoToANewProductWaitsForTheServerAndThenCloses) {
-  const auto form = OpenForm(0);
-  const std::int32_t id = form->ProdutoId();
-  form->FXNome.Typed("Sem servidor");
   desktop.answer = ports::Answer::kNo;
-  database.Forget();
-  database.fail_at = 0;
-  database.fault = Fault::kLineDrops;
-  EXPECT_TRUE(form->Unload()) << "the line is restored first";
-  EXPECT_EQ(SqlText("SELECT COUNT(*) FROM tbProdutos WHERE produto_id = " + std::to_string(id)), "0");
+  for (const bool after_login : {false, true}) {
+    const auto form = OpenForm(0);
+    const std::int32_t id = form->ProdutoId();
+    form->FXNome.Typed("Sem servidor");
+    if (after_login) session.state().primary_connection_string.clear();
+    database.Forget();
+    database.fail_at = 0;
+    database.fault = Fault::kLineDrops;
+    EXPECT_TRUE(form->Unload()) << "the line is restored first";
+    EXPECT_EQ(SqlText("SELECT COUNT(*) FROM tbProdutos WHERE produto_id = " + std::to_string(id)), "0");
+  }
 }
 
 }  // namespace
