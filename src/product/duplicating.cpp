@@ -1,4 +1,5 @@
 // Duplicates the product: a copy with numbers of its own, which the form then shows as a new product.
+#include <array>
 #include <optional>
 
 #include "base/convert.h"
@@ -130,32 +131,32 @@ void frmMain::Duplicar() {
 // A copy that cannot be shown whole leaves the form with the product that it showed, whole.
 void frmMain::ShowCopy(std::int32_t produto_id) {
   controls::FormState shown(*this);
-  const struct {
-    std::int32_t produto_id;
-    bool new_product, altered, precos_altered, deletion_known, locked, line_is_exempt;
-    std::string preco_key;
-    std::optional<base::Value> modified;
-    std::optional<std::int32_t> familia_of_subfamilias;
-    std::array<bool, kAttributeCount> has_attribute;
-  } before{produto_id_,     new_product_, altered_,  PrecosAltered,           deletion_known_, locked_,
-           line_is_exempt_, PrecoKey,     modified_, familia_of_subfamilias_, has_attribute_};
+  const auto put_back = [this, id = produto_id_, created = new_product_, altered = altered_, key = PrecoKey,
+                         prices = PrecosAltered, typed = std::array{ValorAltered, IVAAltered, TotalAltered},
+                         uncomputed = uncomputed_, modified = modified_, deletion = deletion_known_, locked = locked_,
+                         exempt = line_is_exempt_, familia = familia_of_subfamilias_, attributes = has_attribute_] {
+    produto_id_ = id;
+    new_product_ = created;
+    PrecoKey = key;
+    PrecosAltered = prices;
+    ValorAltered = typed[0];
+    IVAAltered = typed[1];
+    TotalAltered = typed[2];
+    uncomputed_ = uncomputed;
+    modified_ = modified;
+    deletion_known_ = deletion;
+    locked_ = locked;
+    incomplete_ = false;
+    line_is_exempt_ = exempt;
+    familia_of_subfamilias_ = familia;
+    has_attribute_ = attributes;
+    SetAltered(altered);
+  };
   produto_id_ = produto_id;
-  PrecoKey.clear();
   Fill();
   if (!loaded() || !incomplete_) return;
   shown.PutBack();
-  produto_id_ = before.produto_id;
-  new_product_ = before.new_product;
-  PrecosAltered = before.precos_altered;
-  deletion_known_ = before.deletion_known;
-  locked_ = before.locked;
-  incomplete_ = false;
-  line_is_exempt_ = before.line_is_exempt;
-  PrecoKey = before.preco_key;
-  modified_ = before.modified;
-  familia_of_subfamilias_ = before.familia_of_subfamilias;
-  has_attribute_ = before.has_attribute;
-  SetAltered(before.altered);
+  put_back();
 }
 
 }  // namespace quenta::product
