@@ -110,10 +110,10 @@ TEST_F(DuplicatingTest, NotesSurviveSavingDuplicatingAndGeneratingByteForByte) {
     form->FXObs.Typed(notes);
     ASSERT_TRUE(form->Gravar());
     EXPECT_TRUE(Of(saved, "obs") == notes) << "saved: " << notes.substr(0, 20);
-    const generator::Attribute cor{"Verde", "VD" + std::to_string(notes.size())};
+    const generator::Attribute cor{"Verde " + std::to_string(notes.size()), "VD" + std::to_string(notes.size())};
     const ports::RowSet rows = Sql("SELECT * FROM tbProdutos WHERE produto_id = " + std::to_string(saved));
     const generator::MainProduct main(session, rows.front());
-    main.CreateDependant({.cor = &cor});
+    ASSERT_TRUE(main.CreateDependant({.cor = &cor}));
     EXPECT_TRUE(Of(IdOfCode(main.CodeOf({.cor = &cor})), "obs") == notes) << "generated: " << notes.substr(0, 20);
     form->Duplicar();
     ASSERT_NE(form->ProdutoId(), saved);
