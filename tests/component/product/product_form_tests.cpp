@@ -251,17 +251,20 @@ TEST_F(FormTest, EveryCommandIsInTheMenuBarAndShowsWhetherItCanRun) {
     ADD_FAILURE() << "no entry " << start;
     return false;
   };
-  for (const char* const entry : {"Imprimir &etiquetas", "&Duplicar", "&Apagar", "&Gerar dependentes", "&Sair",
-                                  "Tornar &predefinido", "&Stocks em", "&Dependentes", "A&tualizar"}) {
+  for (const char* const entry : {"Imprimir &etiquetas", "&Duplicar", "&Apagar", "&Sair", "Tornar &predefinido",
+                                  "&Stocks em", "&Dependentes", "A&tualizar"}) {
     EXPECT_TRUE(enabled(entry)) << entry;
   }
-  for (const char* const entry : {"&Gravar\t", "Ad&icionar dependente", "&Adicionar armazém", "&Remover armazém",
-                                  "&Relatório", "&Guardar como CSV"}) {
+  for (const char* const entry : {"&Gravar\t", "&Gerar dependentes", "Ad&icionar dependente", "&Remover dependente",
+                                  "&Adicionar armazém", "&Remover armazém", "&Relatório", "&Guardar como CSV"}) {
     EXPECT_FALSE(enabled(entry)) << entry;
   }
   form.TypeOver("FXMarca", "Outra");
   form.SelectTab("vendas");
   for (const char* const entry : {"&Gravar\t", "&Relatório", "&Guardar como CSV"}) EXPECT_TRUE(enabled(entry)) << entry;
+  EXPECT_FALSE(enabled("Tornar &predefinido")) << "the prices are not shown";
+  form.SelectTab("dependentes");
+  for (const char* const entry : {"&Gerar dependentes", "&Remover dependente"}) EXPECT_TRUE(enabled(entry)) << entry;
 }
 
 }  // namespace
