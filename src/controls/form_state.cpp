@@ -24,6 +24,7 @@ Step Remember(TextField& field) {
 
 Step Remember(ComboBox& box) {
   std::vector<std::pair<std::string, std::optional<std::int32_t>>> entries;
+  entries.reserve(static_cast<std::size_t>(box.ListCount()));
   for (int i = 0; i < box.ListCount(); ++i) entries.emplace_back(box.List(i), box.ItemData(i));
   return [&box, entries = std::move(entries), index = box.ListIndex(), text = box.text(), locked = box.locked()] {
     const ComboBox::Update update(box);
