@@ -70,7 +70,27 @@ std::string PasswordOf(const std::string& user) {
 
 }  // namespace
 
-SampleComponentTest::SampleComponentTest() : sample_(SharedTemplate().Copy()) {
+SampleCopy CopySample() {
+  return SharedTemplate().Copy();
+}
+
+component::SQLConnectArguments SampleArguments(const SampleCopy& sample, const std::string& user) {
+  return {.User = user,
+          .Password = session::Scramble(PasswordOf(user)),
+          .cnUser = "suite",
+          .cnPassword = session::Scramble(PasswordOf("suite")),
+          .cnInitialCatalog = "Amostra",
+          .cnDataSource = sample.source,
+          .cnDataSourceSecondary = sample.source,
+          .oFlags = 0};
+}
+
+std::string SampleConnectionString(const SampleCopy& sample) {
+  return "Provider=SQLOLEDB.1;User ID=suite;Password=" + PasswordOf("suite") +
+         ";Initial Catalog=Amostra;Data Source=" + sample.source;
+}
+
+SampleComponentTest::SampleComponentTest() : sample_(CopySample()) {
   desktop.pump_time = std::chrono::milliseconds(1);
   desktop.quits_after = 30000;
 }
@@ -80,17 +100,6 @@ SampleComponentTest::~SampleComponentTest() {
   other_.reset();
   std::error_code ignored;
   fs::remove_all(sample_.folder, ignored);
-}
-
-component::SQLConnectArguments SampleComponentTest::ArgumentsOf(const std::string& user) const {
-  return {.User = user,
-          .Password = session::Scramble(PasswordOf(user)),
-          .cnUser = "suite",
-          .cnPassword = session::Scramble(PasswordOf("suite")),
-          .cnInitialCatalog = "Amostra",
-          .cnDataSource = sample_.source,
-          .cnDataSourceSecondary = sample_.source,
-          .oFlags = 0};
 }
 
 void SampleComponentTest::LogIn(const std::string& user) {
@@ -107,11 +116,6 @@ std::shared_ptr<product::frmMain> SampleComponentTest::OpenForm(std::int32_t pro
 
 std::int32_t SampleComponentTest::IdOfCode(const std::string& codigo) {
   return base::ToLong(Sql("SELECT produto_id FROM tbProdutos WHERE codigo = '" + codigo + "'").front().At(0), {});
-}
-
-std::string SampleComponentTest::SharedConnectionString() const {
-  return "Provider=SQLOLEDB.1;User ID=suite;Password=" + PasswordOf("suite") +
-         ";Initial Catalog=Amostra;Data Source=" + sample_.source;
 }
 
 ports::RowSet SampleComponentTest::Sql(const std::string& sql) {

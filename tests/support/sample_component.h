@@ -26,21 +26,27 @@ struct SampleCopy {
   std::string other_source() const { return source + "-2"; }  // the same database, as a second server
 };
 
+// A fresh copy of the sample database, which this process then finds by its data source. Whoever asks removes the
+// folder.
+SampleCopy CopySample();
+// What a host passes on to open the session as this user of the sample catalogue.
+component::SQLConnectArguments SampleArguments(const SampleCopy& sample, const std::string& user);
+// What opens the component's own connection.
+std::string SampleConnectionString(const SampleCopy& sample);
+
 // Each test has a database of its own, a copy of one that is made once.
 class SampleComponentTest : public ::testing::Test {
  protected:
   SampleComponentTest();
   ~SampleComponentTest() override;
 
-  // What a host passes on to open the session as this user of the sample catalogue.
-  component::SQLConnectArguments ArgumentsOf(const std::string& user) const;
+  component::SQLConnectArguments ArgumentsOf(const std::string& user) const { return SampleArguments(sample_, user); }
   // Opens the session as this user.
   void LogIn(const std::string& user);
   // A loaded form of this product; 0 creates one.
   std::shared_ptr<product::frmMain> OpenForm(std::int32_t produto_id);
   std::int32_t IdOfCode(const std::string& codigo);
-  // What opens the component's own connection.
-  std::string SharedConnectionString() const;
+  std::string SharedConnectionString() const { return SampleConnectionString(sample_); }
 
   // Runs a statement as another user of the database would: on a connection of its own.
   ports::RowSet Sql(const std::string& sql);

@@ -3,6 +3,7 @@
 SQLITE_EXTENSION_INIT1
 
 #include <array>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
@@ -123,11 +124,13 @@ void NumberFunction(sqlite3_context* context, int, Arguments arguments) {
   SetText(context, DoubleText(sqlite3_value_double(arguments[0])));
 }
 
-// ss_getdate(now): rounded as DATETIME stores it.
+// ss_getdate(now): rounded as DATETIME stores it. The environment can stop the server's clock.
 void GetDateFunction(sqlite3_context* context, int, Arguments arguments) {
   constexpr int kStyleWithMilliseconds = 121;
-  SetResult(context, ConvertCell(CellOf(arguments[0]), TypeOf(SqlKind::kVarChar), TypeOf(SqlKind::kDateTime),
-                                 Conversion::kConvert, kStyleWithMilliseconds));
+  const char* const stopped = std::getenv("QUENTA_NOW");
+  SetResult(context, ConvertCell(stopped != nullptr ? Cell(std::string(stopped)) : CellOf(arguments[0]),
+                                 TypeOf(SqlKind::kVarChar), TypeOf(SqlKind::kDateTime), Conversion::kConvert,
+                                 kStyleWithMilliseconds));
 }
 
 // ss_char(n): the character of the code page, NULL outside it.

@@ -1,0 +1,30 @@
+// Does the steps of a journey and observes what follows from them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "journeys/journey.h"
+#include "journeys/observation.h"
+
+namespace quenta::journeys {
+
+class Driver {
+ public:
+  virtual ~Driver() = default;
+
+  // Throws std::runtime_error when a user could not do it: no such control, one that is out of reach, no such entry.
+  virtual void Do(const Step& step) = 0;
+
+  // Answers given in advance that nobody has asked for; they are dropped.
+  virtual std::string UnusedAnswers() = 0;
+
+  // What happened since the last call: the events in their order, then what changed in the forms, then in the tables.
+  virtual std::vector<Seen> Observe() = 0;
+};
+
+// A whole component on a copy of the sample catalogue, without windows.
+std::unique_ptr<Driver> MakeNativeDriver();
+
+}  // namespace quenta::journeys

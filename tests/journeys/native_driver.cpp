@@ -1,0 +1,299 @@
+// The driver on the models: the component as the library builds it, with everything outside seen or made to fail.
+#include <chrono>
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <system_error>
+
+#include "base/convert.h"
+#include "base/error.h"
+#include "base/text.h"
+#include "component/component.h"
+#include "component/general.h"
+#include "component/session/statement_log.h"
+#include "generator/frm_gerar.h"
+#include "journeys/driver.h"
+#include "journeys/screen.h"
+#include "product/product_forms.h"
+#include "sandbox/odbc/odbc_database.h"
+#include "support/fake_ports.h"
+#include "support/recording_database.h"
+#include "support/sample_component.h"
+
+namespace quenta::journeys {
+namespace {
+
+using ports::Answer;
+
+constexpr const char* kNow = "2026-11-21 12:34:56";
+constexpr const char* kSettingsKey = R"(SOFTWARE\Ambrell\Contabilidade:)";
+
+const std::map<std::string, Answer> kAnswers = {
+    {"ok", Answer::kOk}, {"yes", Answer::kYes}, {"no", Answer::kNo}, {"cancel", Answer::kCancel}};
+constexpr const char* kCannotBeShown = "cannot be shown";
+constexpr const char* kIcons[] = {"no icon", "information", "question", "critical"};
+constexpr const char* kButtons[] = {"ok", "yes/no", "yes/no/cancel"};
+
+std::string Quoted(const std::string& text) {
+  return '"' + Escaped(text) + '"';
+}
+
+class NativeDriver final : public Driver,
+                           private ports::Desktop,
+                           private ports::ErrorReporting,
+                           private session::CallListener {
+ public:
+  NativeDriver() : sample_(tests::CopySample()) {
+    // Only now: the catalogue's own rows are older.
+    setenv("QUENTA_NOW", kNow, 1);
+    desktop_.pump_time = std::chrono::milliseconds(1);
+    other_->SetConnectionString(tests::SampleConnectionString(sample_));
+    other_->Open();
+    static const Facts kCatalogue = RowsOf(*other_);  // every journey begins with the same rows
+    rows_ = kCatalogue;
+  }
+  ~NativeDriver() override {
+    // Without asking, as when the host takes the windows away.
+    for (const auto& [name, form] : screen_.Forms()) {
+      screen_.Close(*form);
+      form->WindowLost();
+    }
+    screen_.EndStep();
+    general_.reset();
+    session_.ReleaseConnection();
+    other_.reset();
+    std::error_code ignored;
+    std::filesystem::remove_all(sample_.folder, ignored);
+  }
+
+  void Do(const Step& step) override {
+    if (step.verb == "answer") return answers_.push_back(step);
+    // What others write is nothing to be seen; read again once, behind the last of them.
+    if (step.verb != "other" && std::exchange(others_wrote_, false)) rows_ = RowsOf(*other_);
+    const auto verb = verbs_.find(step.verb);
+    if (verb == verbs_.end()) throw std::runtime_error("no step is called " + step.verb);
+    verb->second(Unquoted(step.rest));
+  }
+
+  std::string UnusedAnswers() override {
+    std::string unused;
+    for (const Step& answer : std::exchange(answers_, {})) unused += " " + answer.rest;
+    for (const std::string& entry : std::exchange(screen_.answers, {})) unused += " " + entry;
+    return unused;
+  }
+
+  std::vector<Seen> Observe() override {
+    screen_.EndStep();
+    std::vector<Seen> seen = std::exchange(events_, {});
+    std::map<std::string, Facts> forms;
+    for (const auto& [name, form] : screen_.Forms()) {
+      forms[name] = FactsOf(*form, name);
+      const auto before = forms_.find(name);
+      AppendChanges(before != forms_.end() ? before->second : DesignOf(*form, name), forms[name], Kind::kControl, seen);
+    }
+    forms_ = std::move(forms);
+    if (std::exchange(wrote_, false)) {
+      const Facts before = std::exchange(rows_, RowsOf(*other_));
+      AppendChanges(before, rows_, Kind::kRow, seen);
+    }
+    Facts files;
+    for (const auto& [path, bytes] : settings_.files) files.push_back({"file " + path, {{"text", Shown(bytes)}}});
+    AppendChanges(files_, files, Kind::kRow, seen);
+    files_ = std::move(files);
+    return seen;
+  }
+
+ private:
+  void Tell(const std::string& event) { events_.push_back({Kind::kEvent, event}); }
+
+  // What a form shows before anything is in it: only what differs is worth saying of a new one.
+  Facts DesignOf(const controls::Form& form, const std::string& name) {
+    if (form.name() != "frmMain") return {{name, {}}};
+    if (!design_) design_ = std::static_pointer_cast<product::frmMain>(product_forms_.Create());
+    return FactsOf(*design_, name);
+  }
+
+  static std::string Unquoted(const std::string& rest) {
+    const bool quoted = rest.size() > 1 && rest.front() == '"' && rest.back() == '"';
+    return Unescaped(quoted ? rest.substr(1, rest.size() - 2) : rest);
+  }
+
+  Step NextAnswer(const std::string& otherwise) {
+    Step answer{.verb = "answer", .rest = otherwise};
+    if (!answers_.empty()) answer = answers_.front();
+    if (!answers_.empty()) answers_.pop_front();
+    return answer;
+  }
+
+  // --- What the component asks of the outside ---
+
+  Answer Ask(const ports::Message& message, controls::Form* over) override {
+    Step given{.verb = "answer", .rest = "ok"};
+    const bool cannot_be_shown = !answers_.empty() && answers_.front().rest == kCannotBeShown;
+    if (message.buttons != ports::Buttons::kOk || cannot_be_shown) given = NextAnswer("nobody answered");
+    std::string out_of_reach;
+    for (const auto& [name, form] : screen_.Forms()) {
+      if (!form->enabled()) out_of_reach += ", " + name + " disabled";
+    }
+    Tell("box " + Quoted(message.title) + " " + kIcons[static_cast<int>(message.icon)] + ", " +
+         kButtons[static_cast<int>(message.buttons)] + (message.system_modal ? ", system-modal" : "") + ", over " +
+         screen_.NameOf(over) + (screen_.IsTopmost(over) ? " topmost" : "") + out_of_reach + ": " +
+         Quoted(message.text) + " -> " + given.rest);
+    if (cannot_be_shown) throw base::Error(base::error_number::kOutOfMemory, "No box");
+    for (const Step& step : given.inside) Do(step);
+    desktop_.answer = kAnswers.contains(given.rest) ? kAnswers.at(given.rest) : Answer::kCancel;
+    return desktop_.Ask(message, over);
+  }
+  bool OpenDocument(const std::string& path, const std::string& folder, controls::Form* over) override {
+    Tell("open document " + path + " in " + Quoted(folder));
+    return desktop_.OpenDocument(path, folder, over);
+  }
+  std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form* over) override {
+    const std::string given = NextAnswer("cancel").rest;
+    Tell("save as " + Quoted(file.title) + " " + Quoted(file.name) + " " + Quoted(file.type_name) + " " +
+         file.extension + " -> " + given);
+    desktop_.file_to_save = given == "cancel" ? std::nullopt : std::optional(given);
+    return desktop_.AskFileToSave(file, over);
+  }
+  bool CopyText(const std::string& text) override {
+    Tell("clipboard " + Quoted(text));
+    return desktop_.CopyText(text);
+  }
+  bool PumpMessages() override { return desktop_.PumpMessages(); }
+  std::chrono::steady_clock::time_point Now() override { return desktop_.Now(); }
+
+  void Report(const ports::ErrorReport& report) noexcept override {
+    Tell("report " + report.product + " | " + report.project + " | " + report.module + " | " + report.procedure +
+         " | " + Escaped(report.description));
+  }
+  void SQLReconnectShow(controls::Form* form) noexcept override { Tell("reconnect show over " + screen_.NameOf(form)); }
+  void SQLReconnectShutdown(controls::Form* form) noexcept override {
+    Tell("reconnect shutdown over " + screen_.NameOf(form));
+  }
+  void SQLReconnectShowBad(controls::Form* form) noexcept override {
+    Tell("reconnect bad over " + screen_.NameOf(form));
+  }
+  void SQLReconnectShowOK(controls::Form* form) noexcept override { Tell("reconnect ok over " + screen_.NameOf(form)); }
+
+  void ReleaseReconnect() noexcept override { Tell("reconnect released"); }
+
+  void Starting(session::DatabaseCall call, const std::string& text) override {
+    const bool strikes = !fail_at_.empty() && text.find(fail_at_) != std::string::npos;
+    if (strikes) plan_.fail_at = plan_.calls;
+    if (strikes) fail_at_.clear();
+    wrote_ = wrote_ || (call == session::DatabaseCall::kStatement && Writes(text));
+    const bool connects = call == session::DatabaseCall::kOpen;
+    const std::string named =
+        base::ReplaceAll(base::ReplaceAll(text, sample_.other_source(), "{secondary}"), sample_.source, "{primary}");
+    events_.push_back({Kind::kStatement, connects ? "CONNECT " + named : Escaped(text)});
+  }
+  void Ended(const session::CallRecord& record) noexcept override {
+    if (record.error) events_.push_back({Kind::kStatement, "  failed: " + Escaped(record.error->description())});
+  }
+
+  // --- The steps ---
+
+  component::General& General() {
+    if (!general_) general_ = std::make_unique<component::General>(component_);
+    return *general_;
+  }
+  void LogIn(const std::string& user) {
+    if (!General().SQLConnect(tests::SampleArguments(sample_, user))) throw std::runtime_error(user + " is refused");
+    events_.clear();
+  }
+  std::int32_t IdOf(const std::string& code) {
+    const ports::RowSet rows =
+        other_->Query("SELECT produto_id FROM tbProdutos WHERE (is_deleted = 0 OR is_deleted IS NULL) AND codigo = '" +
+                      base::ReplaceAll(code, "'", "''") + "' ORDER BY produto_id");
+    if (rows.empty()) throw std::runtime_error("no product has the code " + code);
+    return base::ToLong(rows.front().At(0), {});
+  }
+  void Fail(tests::Fault fault, const std::string& statement) {
+    plan_ = {};
+    plan_.fault = fault;
+    fail_at_ = statement;
+  }
+  void Split(const std::string& text, void (Screen::*act)(const std::string&, const std::string&)) {
+    const auto [control, rest] = FirstWord(text);
+    (screen_.*act)(control, Unquoted(rest));
+  }
+
+  using Text = const std::string&;
+  const std::map<std::string, std::function<void(Text)>> verbs_ = {
+      // The host.
+      {"as", [this](Text user) { LogIn(user); }},
+      {"open", [this](Text code) { General().ObjectOpen(IdOf(code), {}); }},
+      {"open-id", [this](Text id) { General().ObjectOpen(base::Value(id), {}); }},
+      {"new", [this](Text) { General().ObjectNew({}); }},
+      {"release", [this](Text) { general_.reset(); }},
+      // The user.
+      {"focus", [this](Text control) { screen_.FocusOn(control); }},
+      {"type", [this](Text text) { Split(text, &Screen::Type); }},
+      {"key", [this](Text key) { screen_.Key(key); }},
+      {"choose", [this](Text text) { Split(text, &Screen::Choose); }},
+      {"click", [this](Text text) { Split(text, &Screen::Click); }},
+      {"menu", [this](Text name) { screen_.ClickMenu(name); }},
+      {"tab", [this](Text key) { screen_.ClickTab(key); }},
+      {"row", [this](Text text) { screen_.ClickRow(FirstWord(text).first, FirstWord(text).second, false); }},
+      {"double-click", [this](Text text) { screen_.ClickRow(FirstWord(text).first, FirstWord(text).second, true); }},
+      {"context-menu", [this](Text list) { screen_.OpenMenu(list); }},
+      {"header",
+       [this](Text text) { screen_.ClickHeader(FirstWord(text).first, std::atoi(FirstWord(text).second.c_str())); }},
+      {"pick", [this](Text text) { Split(text, &Screen::Pick); }},
+      {"close", [this](Text) { screen_.CloseBox(); }},
+      {"to-front", [this](Text form) { screen_.BringToFront(form); }},
+      {"wait", [this](Text) { screen_.host.PassTime(); }},
+      // What the user will choose in a menu that pops up. What is answered to a box, "answer", stands in Do: it has
+      // steps inside it.
+      {"pick-entry", [this](Text entry) { screen_.answers.push_back(entry); }},
+      // The host's own work on the connection.
+      {"host-sql",
+       [this](Text sql) { sql == "BEGIN" ? session_.SharedConnection().BeginTransaction() : session_.Execute(sql); }},
+      // The world around.
+      {"other",
+       [this](Text sql) {
+         other_->Execute(sql);
+         others_wrote_ = true;
+       }},
+      {"setting",
+       [this](Text text) { settings_.registry[kSettingsKey + FirstWord(text).first] = FirstWord(text).second; }},
+      {"fail", [this](Text statement) { Fail(tests::Fault::kFails, statement); }},
+      {"drop-line", [this](Text statement) { Fail(tests::Fault::kLineDrops, statement); }},
+  };
+
+  std::vector<Seen> events_;
+  bool wrote_ = false;
+  bool others_wrote_ = false;
+  std::deque<Step> answers_;
+  std::string fail_at_;  // the next statement that holds this text goes wrong
+  tests::FaultPlan plan_;
+
+  tests::SampleCopy sample_;
+  sandbox::OdbcDatabase odbc_;
+  std::unique_ptr<ports::Connection> other_ = odbc_.CreateConnection();
+  tests::FaultyDatabase faulty_{odbc_, plan_};
+  session::StatementLog database_{faulty_, *this};
+  tests::FakeSettings settings_;
+  tests::FakeDesktop desktop_;
+  Screen screen_{[this](const std::string& event) { Tell(event); }};
+  session::Session session_{{database_, settings_, *this, *this}};
+  product::ProductForms product_forms_{session_, screen_, &generator::MakeGenerator};
+  component::Component component_{session_, product_forms_, screen_};
+  std::unique_ptr<component::General> general_;
+  std::shared_ptr<product::frmMain> design_;
+
+  std::map<std::string, Facts> forms_;  // as they were last seen
+  Facts rows_;
+  Facts files_;
+};
+
+}  // namespace
+
+std::unique_ptr<Driver> MakeNativeDriver() {
+  return std::make_unique<NativeDriver>();
+}
+
+}  // namespace quenta::journeys

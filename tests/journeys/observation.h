@@ -1,0 +1,45 @@
+// What can be seen of a step: events in their order, and the state of forms and tables before and after.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "controls/form.h"
+#include "ports/database.h"
+
+namespace quenta::journeys {
+
+enum class Kind { kStatement, kEvent, kControl, kRow };
+
+// One thing that happened, as it is written in a journey.
+struct Seen {
+  Kind kind = Kind::kEvent;
+  std::string text;
+};
+
+// What one subject ("FXNome", "ListView2 #1", "tbProdutos 212") shows, as pairs of name and value. Where there is only
+// one value, it needs no name.
+struct Fact {
+  std::string subject;
+  std::vector<std::pair<std::string, std::string>> values;
+};
+using Facts = std::vector<Fact>;
+
+// A value as it stands behind "name=": bare where that is clear, otherwise in quotes.
+std::string Shown(const std::string& value);
+
+// A line for each subject that came ("+ subject name=value …"), went ("- subject") or changed (only what changed).
+// A value that is not there is null in a row, and what a control has at first otherwise: enabled, not locked, empty …
+void AppendChanges(const Facts& before, const Facts& after, Kind kind, std::vector<Seen>& seen);
+
+// The form, called by this name, and every control of it: those of frmMain by their names alone, others behind the
+// form's name and a point. What can be chosen from stands at the end.
+Facts FactsOf(const controls::Form& form, const std::string& form_name);
+
+// Every row of the tables that the component writes, by table and key.
+Facts RowsOf(ports::Connection& connection);
+// Whether a statement may change rows.
+bool Writes(const std::string& statement);
+
+}  // namespace quenta::journeys
