@@ -20,11 +20,16 @@ class Driver {
   // Answers given in advance that nobody has asked for; they are dropped.
   virtual std::string UnusedAnswers() = 0;
 
+  // Takes out of both what this driver cannot see, so that it is not looked at.
+  virtual void LookAway(Section& section, std::vector<Seen>& happened) { (void)section, (void)happened; }
+
   // What happened since the last call: the events in their order, then what changed in the forms, then in the tables.
   virtual std::vector<Seen> Observe() = 0;
 };
 
-// A whole component on a copy of the sample catalogue, without windows.
-std::unique_ptr<Driver> MakeNativeDriver();
+// The driver that a program is built with: a whole component on a copy of the sample catalogue, without windows; or the
+// registered library in real windows, which takes the journeys that say so.
+std::unique_ptr<Driver> MakeDriver();
+bool DriverTakes(const std::filesystem::path& journey);
 
 }  // namespace quenta::journeys

@@ -120,7 +120,7 @@ Journey ReadJourney(const std::filesystem::path& path, Definitions definitions) 
   Section section;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const Line& line = lines[i];
-    if (line.text.empty() || line.text[0] == '#') continue;
+    if (line.text.empty() || line.text[0] == '#' || line.text == kInWindows) continue;
     if (line.text.rfind("define ", 0) == 0) {
       TakeDefinition(lines, i, definitions);
     } else if (line.text.starts_with("  ")) {

@@ -8,6 +8,9 @@
 
 namespace quenta::journeys {
 
+// Stands above the first step of a journey that also runs in real windows.
+inline constexpr const char* kInWindows = "in windows";
+
 // A line of a file, for messages that lead there.
 struct Line {
   std::string text;

@@ -25,7 +25,7 @@ class JourneyTest : public testing::Test {
       Definitions definitions;
       ReadDefinitions(definitions_, definitions);
       journey_ = ReadJourney(path_, definitions);
-      driver_ = MakeNativeDriver();
+      driver_ = MakeDriver();
       for (const Section& section : journey_.sections) {
         if (!Run(section)) return;
       }
@@ -37,7 +37,7 @@ class JourneyTest : public testing::Test {
 
  private:
   // False when the steps cannot go on, or went elsewhere.
-  bool Run(const Section& section) {
+  bool Run(Section section) {
     for (const Step& step : section.steps) {
       try {
         if (step.quiet && !driver_->Observe().empty()) throw std::runtime_error("what came before is not looked at");
@@ -51,7 +51,8 @@ class JourneyTest : public testing::Test {
     if (const std::string answers = driver_->UnusedAnswers(); !answers.empty()) {
       ADD_FAILURE() << Where(section.first_line) << ": nobody asked for the answer " << answers;
     }
-    const std::vector<Seen> seen = driver_->Observe();
+    std::vector<Seen> seen = driver_->Observe();
+    driver_->LookAway(section, seen);
     if (print_) {
       Print(static_cast<std::size_t>(section.first_line));
       if (!section.looks && !seen.empty()) std::cout << "----\n";
@@ -84,7 +85,8 @@ class JourneyTest : public testing::Test {
 void RegisterJourneys(const fs::path& folder) {
   std::vector<fs::path> files;
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.path().extension() == ".txt" && entry.path().parent_path() != folder) files.push_back(entry.path());
+    const fs::path& path = entry.path();
+    if (path.extension() == ".txt" && path.parent_path() != folder && DriverTakes(path)) files.push_back(path);
   }
   std::sort(files.begin(), files.end());
   for (const fs::path& file : files) {

@@ -292,8 +292,12 @@ class NativeDriver final : public Driver,
 
 }  // namespace
 
-std::unique_ptr<Driver> MakeNativeDriver() {
+std::unique_ptr<Driver> MakeDriver() {
   return std::make_unique<NativeDriver>();
+}
+
+bool DriverTakes(const std::filesystem::path&) {
+  return true;
 }
 
 }  // namespace quenta::journeys
