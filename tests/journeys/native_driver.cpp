@@ -1,10 +1,14 @@
 // The driver on the models: the component as the library builds it, with everything outside seen or made to fail.
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <system_error>
 
@@ -21,6 +25,7 @@
 #include "sandbox/odbc/odbc_database.h"
 #include "support/fake_ports.h"
 #include "support/recording_database.h"
+#include "support/rich_text_reader.h"
 #include "support/sample_component.h"
 
 namespace quenta::journeys {
@@ -30,6 +35,9 @@ using ports::Answer;
 
 constexpr const char* kNow = "2026-11-21 12:34:56";
 constexpr const char* kSettingsKey = R"(SOFTWARE\Ambrell\Contabilidade:)";
+constexpr const char* kAllTables =
+    "tbContadores, tbProdutos, tbProdutos_Precos, tbProdutos_Stocks, tbProdutos_Stocks_Minimos";
+constexpr const char* kTemplates = R"(C:\Modelos)";
 
 const std::map<std::string, Answer> kAnswers = {
     {"ok", Answer::kOk}, {"yes", Answer::kYes}, {"no", Answer::kNo}, {"cancel", Answer::kCancel}};
@@ -52,15 +60,15 @@ class NativeDriver final : public Driver,
     desktop_.pump_time = std::chrono::milliseconds(1);
     other_->SetConnectionString(tests::SampleConnectionString(sample_));
     other_->Open();
-    static const Facts kCatalogue = RowsOf(*other_);  // every journey begins with the same rows
+    static const std::map<std::string, Facts> kCatalogue = [this] {  // every journey begins with the same rows
+      std::map<std::string, Facts> rows;
+      ReadRows(*other_, TablesWritten(kAllTables), rows);
+      return rows;
+    }();
     rows_ = kCatalogue;
   }
   ~NativeDriver() override {
-    // Without asking, as when the host takes the windows away.
-    for (const auto& [name, form] : screen_.Forms()) {
-      screen_.Close(*form);
-      form->WindowLost();
-    }
+    for (const auto& [name, form] : screen_.Forms()) Lose(name);
     screen_.EndStep();
     general_.reset();
     session_.ReleaseConnection();
@@ -71,8 +79,12 @@ class NativeDriver final : public Driver,
 
   void Do(const Step& step) override {
     if (step.verb == "answer") return answers_.push_back(step);
+    if (step.verb == "turn") {
+      turns_[std::stoi(step.rest)] = step;
+      return;
+    }
     // What others write is nothing to be seen; read again once, behind the last of them.
-    if (step.verb != "other" && std::exchange(others_wrote_, false)) rows_ = RowsOf(*other_);
+    if (step.verb != "other") ReadRows(*other_, std::exchange(others_wrote_, {}), rows_);
     const auto verb = verbs_.find(step.verb);
     if (verb == verbs_.end()) throw std::runtime_error("no step is called " + step.verb);
     verb->second(Unquoted(step.rest));
@@ -82,6 +94,8 @@ class NativeDriver final : public Driver,
     std::string unused;
     for (const Step& answer : std::exchange(answers_, {})) unused += " " + answer.rest;
     for (const std::string& entry : std::exchange(screen_.answers, {})) unused += " " + entry;
+    for (const auto& [number, turn] : std::exchange(turns_, {})) unused += " turn " + std::to_string(number);
+    for (const std::string& what : std::exchange(refused_, {})) unused += " refuse " + what;
     return unused;
   }
 
@@ -95,12 +109,17 @@ class NativeDriver final : public Driver,
       AppendChanges(before != forms_.end() ? before->second : DesignOf(*form, name), forms[name], Kind::kControl, seen);
     }
     forms_ = std::move(forms);
-    if (std::exchange(wrote_, false)) {
-      const Facts before = std::exchange(rows_, RowsOf(*other_));
-      AppendChanges(before, rows_, Kind::kRow, seen);
-    }
+    Facts before;
+    Facts after;
+    for (const std::string& table : wrote_) std::ranges::copy(rows_[table], std::back_inserter(before));
+    ReadRows(*other_, wrote_, rows_);
+    for (const std::string& table : wrote_) std::ranges::copy(rows_[table], std::back_inserter(after));
+    AppendChanges(before, after, Kind::kRow, seen);
+    wrote_.clear();
     Facts files;
-    for (const auto& [path, bytes] : settings_.files) files.push_back({"file " + path, {{"text", Shown(bytes)}}});
+    for (const auto& [path, bytes] : settings_.files) {
+      if (!path.starts_with(kTemplates)) files.push_back({"file " + path, {{"text", Shown(ContentsOf(bytes))}}});
+    }
     AppendChanges(files_, files, Kind::kRow, seen);
     files_ = std::move(files);
     return seen;
@@ -119,6 +138,28 @@ class NativeDriver final : public Driver,
   static std::string Unquoted(const std::string& rest) {
     const bool quoted = rest.size() > 1 && rest.front() == '"' && rest.back() == '"';
     return Unescaped(quoted ? rest.substr(1, rest.size() - 2) : rest);
+  }
+
+  // A document as a program shows it.
+  static std::string ContentsOf(const std::string& bytes) {
+    return bytes.starts_with("{\\rtf") ? tests::ReadRichText(bytes).text : bytes;
+  }
+
+  // What can be seen of one control, or of the form by its own name, in the middle of something.
+  void Look(const std::string& subject) {
+    for (const auto& [name, form] : screen_.Forms()) {
+      for (Fact& fact : FactsOf(*form, name)) {
+        if (fact.subject == subject) AppendChanges({}, {fact}, Kind::kEvent, events_);
+      }
+    }
+  }
+
+  // Writes a template of reports and labels: the one that is shipped under this name where no text is given.
+  void WriteTemplate(const std::string& name, const std::string& text) {
+    settings_.registry[std::string(kSettingsKey) + "Templates"] = kTemplates;
+    std::ifstream shipped(std::string(QUENTA_TEMPLATES "/") + name, std::ios::binary);
+    std::string& bytes = settings_.files[std::string(kTemplates) + "\\" + name];
+    bytes = text.empty() ? std::string(std::istreambuf_iterator<char>(shipped), {}) : text;
   }
 
   Step NextAnswer(const std::string& otherwise) {
@@ -149,7 +190,7 @@ class NativeDriver final : public Driver,
   }
   bool OpenDocument(const std::string& path, const std::string& folder, controls::Form* over) override {
     Tell("open document " + path + " in " + Quoted(folder));
-    return desktop_.OpenDocument(path, folder, over);
+    return refused_.erase("document") == 0 && desktop_.OpenDocument(path, folder, over);
   }
   std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form* over) override {
     const std::string given = NextAnswer("cancel").rest;
@@ -160,9 +201,17 @@ class NativeDriver final : public Driver,
   }
   bool CopyText(const std::string& text) override {
     Tell("clipboard " + Quoted(text));
-    return desktop_.CopyText(text);
+    return refused_.erase("clipboard") == 0 && desktop_.CopyText(text);
   }
-  bool PumpMessages() override { return desktop_.PumpMessages(); }
+  bool PumpMessages() override {
+    std::map<int, Step> later;
+    for (const auto& [number, turn] : std::exchange(turns_, {})) later[number - 1] = turn;
+    turns_ = std::move(later);
+    if (const auto turn = turns_.extract(0)) {
+      for (const Step& step : turn.mapped().inside) Do(step);
+    }
+    return refused_.erase("turn") == 0 && desktop_.PumpMessages();
+  }
   std::chrono::steady_clock::time_point Now() override { return desktop_.Now(); }
 
   void Report(const ports::ErrorReport& report) noexcept override {
@@ -184,7 +233,7 @@ class NativeDriver final : public Driver,
     const bool strikes = !fail_at_.empty() && text.find(fail_at_) != std::string::npos;
     if (strikes) plan_.fail_at = plan_.calls;
     if (strikes) fail_at_.clear();
-    wrote_ = wrote_ || (call == session::DatabaseCall::kStatement && Writes(text));
+    if (call == session::DatabaseCall::kStatement) wrote_.merge(TablesWritten(text));
     const bool connects = call == session::DatabaseCall::kOpen;
     const std::string named =
         base::ReplaceAll(base::ReplaceAll(text, sample_.other_source(), "{secondary}"), sample_.source, "{primary}");
@@ -216,6 +265,14 @@ class NativeDriver final : public Driver,
     plan_.fault = fault;
     fail_at_ = statement;
   }
+  // A window goes without asking, as when the host takes it away.
+  void Lose(const std::string& lost) {
+    for (const auto& [name, form] : screen_.Forms()) {
+      if (name != lost) continue;
+      screen_.Close(*form);
+      form->WindowLost();
+    }
+  }
   void Split(const std::string& text, void (Screen::*act)(const std::string&, const std::string&)) {
     const auto [control, rest] = FirstWord(text);
     (screen_.*act)(control, Unquoted(rest));
@@ -246,28 +303,56 @@ class NativeDriver final : public Driver,
       {"close", [this](Text) { screen_.CloseBox(); }},
       {"to-front", [this](Text form) { screen_.BringToFront(form); }},
       {"wait", [this](Text) { screen_.host.PassTime(); }},
+      {"look", [this](Text subject) { Look(subject); }},
       // What the user will choose in a menu that pops up. What is answered to a box, "answer", stands in Do: it has
       // steps inside it.
       {"pick-entry", [this](Text entry) { screen_.answers.push_back(entry); }},
       // The host's own work on the connection.
+      {"lose", [this](Text form) { Lose(form); }},
       {"host-sql",
        [this](Text sql) { sql == "BEGIN" ? session_.SharedConnection().BeginTransaction() : session_.Execute(sql); }},
       // The world around.
       {"other",
        [this](Text sql) {
          other_->Execute(sql);
-         others_wrote_ = true;
+         others_wrote_.merge(TablesWritten(sql));
        }},
       {"setting",
        [this](Text text) { settings_.registry[kSettingsKey + FirstWord(text).first] = FirstWord(text).second; }},
+      {"locale",
+       [this](Text name) {
+         settings_.locale = name == "english" ? tests::EnglishLocale() : tests::PortugueseLocale();
+       }},
+      {"template", [this](Text text) { WriteTemplate(FirstWord(text).first, FirstWord(text).second); }},
+      // Writing the file ends with this error; with 0, not any more.
+      {"file-error",
+       [this](Text text) {
+         const auto [path, number] = FirstWord(text);
+         settings_.write_errors.erase(path);
+         if (number != "0") settings_.write_errors[path] = std::stoi(number);
+       }},
+      // Once: a document is not opened, the clipboard is held by another program, a window is not made; at a turn, the
+      // host is quitting.
+      {"refuse",
+       [this](Text what) {
+         if (what != "window") {
+           refused_.insert(what);
+           return;
+         }
+         windows_.fail_at = windows_.calls;
+         screen_.host.faults = &windows_;
+       }},
       {"fail", [this](Text statement) { Fail(tests::Fault::kFails, statement); }},
       {"drop-line", [this](Text statement) { Fail(tests::Fault::kLineDrops, statement); }},
   };
 
   std::vector<Seen> events_;
-  bool wrote_ = false;
-  bool others_wrote_ = false;
+  std::set<std::string> wrote_;  // tables, since the last look
+  std::set<std::string> others_wrote_;
   std::deque<Step> answers_;
+  std::map<int, Step> turns_;  // what happens at the n-th next turn of the host
+  std::set<std::string> refused_;
+  tests::FaultPlan windows_;
   std::string fail_at_;  // the next statement that holds this text goes wrong
   tests::FaultPlan plan_;
 
@@ -286,7 +371,7 @@ class NativeDriver final : public Driver,
   std::shared_ptr<product::frmMain> design_;
 
   std::map<std::string, Facts> forms_;  // as they were last seen
-  Facts rows_;
+  std::map<std::string, Facts> rows_;   // by table
   Facts files_;
 };
 

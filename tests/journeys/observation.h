@@ -1,6 +1,8 @@
 // What can be seen of a step: events in their order, and the state of forms and tables before and after.
 #pragma once
 
+#include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,9 +39,10 @@ void AppendChanges(const Facts& before, const Facts& after, Kind kind, std::vect
 // form's name and a point. What can be chosen from stands at the end.
 Facts FactsOf(const controls::Form& form, const std::string& form_name);
 
-// Every row of the tables that the component writes, by table and key.
-Facts RowsOf(ports::Connection& connection);
-// Whether a statement may change rows.
-bool Writes(const std::string& statement);
+// Those of the tables that the component writes which a statement may change.
+std::set<std::string> TablesWritten(const std::string& statement);
+// Reads these anew: every row, by table and key.
+void ReadRows(ports::Connection& connection, const std::set<std::string>& tables,
+              std::map<std::string, Facts>& rows_of);
 
 }  // namespace quenta::journeys

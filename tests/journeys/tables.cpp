@@ -1,6 +1,8 @@
 // The rows that the component writes, as another user of the database sees them.
 #include "journeys/observation.h"
 
+#include <cctype>
+
 #include "base/convert.h"
 #include "base/format.h"
 #include "support/locales.h"
@@ -22,15 +24,30 @@ std::string TextOf(const base::Value& value) {
                          : base::ToText(value, tests::EnglishLocale());
 }
 
-}  // namespace
-
-bool Writes(const std::string& statement) {
-  return !statement.starts_with("SELECT") && statement != "BEGIN" && statement != "COMMIT" && statement != "ROLLBACK";
+bool Names(const std::string& statement, const std::string& table) {
+  const std::size_t at = statement.find(table);
+  const std::size_t end = at + table.size();
+  if (at == std::string::npos) return false;
+  const bool whole = end == statement.size() || (statement[end] != '_' && std::isalpha(statement[end]) == 0);
+  return whole || Names(statement.substr(end), table);
 }
 
-Facts RowsOf(ports::Connection& connection) {
-  Facts facts;
+}  // namespace
+
+std::set<std::string> TablesWritten(const std::string& statement) {
+  std::set<std::string> tables;
+  for (const auto& table : kTables) {
+    if (!statement.starts_with("SELECT") && Names(statement, table.name)) tables.insert(table.name);
+  }
+  return tables;
+}
+
+void ReadRows(ports::Connection& connection, const std::set<std::string>& tables,
+              std::map<std::string, Facts>& rows_of) {
   for (const auto& [name, keys] : kTables) {
+    if (!tables.contains(name)) continue;
+    Facts& facts = rows_of[name];
+    facts.clear();
     const std::string order = keys[0] + (keys[1] != nullptr ? std::string(", ") + keys[1] : "");
     const ports::RowSet rows = connection.Query("SELECT * FROM " + std::string(name) + " ORDER BY " + order);
     for (const ports::Row row : rows) {
@@ -44,7 +61,6 @@ Facts RowsOf(ports::Connection& connection) {
       facts.push_back(std::move(fact));
     }
   }
-  return facts;
 }
 
 }  // namespace quenta::journeys

@@ -16,7 +16,7 @@ struct RichTextContents {
   bool balanced = true;  // every group closes, and the last brace is the document's own
 };
 
-// Destinations are read as text too; pictures and tables of fonts do not belong into what is compared.
+// Destinations are read as text too, but for pictures, of which a mark stands for each, and tables.
 inline RichTextContents ReadRichText(std::string_view rich_text) {
   RichTextContents contents;
   std::u16string units;
@@ -63,14 +63,22 @@ inline RichTextContents ReadRichText(std::string_view rich_text) {
       if (at < rich_text.size() && (rich_text[at] == '-' || is_digit(rich_text[at]))) number += rich_text[at++];
       while (at < rich_text.size() && is_digit(rich_text[at])) number += rich_text[at++];
       if (at < rich_text.size() && rich_text[at] == ' ') ++at;
-      if (word == "u") {
+      if (word == "pict" || word == "fonttbl" || word == "colortbl") {
+        if (word == "pict") units += u'▮';
+        for (int groups = 1; at < rich_text.size(); ++at) {
+          groups += rich_text[at] == '{' ? 1 : rich_text[at] == '}' ? -1 : 0;
+          if (groups == 0) break;
+        }
+      } else if (word == "u") {
         units += static_cast<char16_t>(std::stoi(number));
         passing_over = fallbacks.back();
       } else if (word == "uc") {
         fallbacks.back() = std::stoi(number);
       } else if (word == "cell") {
         units += u'|';
-      } else if (word == "row" || word == "par" || word == "line") {
+      } else if (word == "tab") {
+        units += u'\t';
+      } else if (word == "row" || word == "par" || word == "line" || word == "sect") {
         units += u'\n';
       }
     }
