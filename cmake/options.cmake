@@ -2,11 +2,15 @@
 option(QUENTA_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer (native only)" OFF)
 option(QUENTA_TESTS "Build the tests" ON)
 option(QUENTA_BENCH "Build the benchmarks" OFF)
+option(QUENTA_WARNINGS_ARE_ERRORS "Fail on a compiler's warning" ON)
 
 add_library(quenta_flags INTERFACE)
 target_compile_options(quenta_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror
   -Wno-restrict)  # GCC 12 warns of overlapping copies inside std::string that cannot happen (its bug 105651)
+if(NOT QUENTA_WARNINGS_ARE_ERRORS)
+  target_compile_options(quenta_flags INTERFACE -Wno-error)
+endif()
 target_include_directories(quenta_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 
 if(WIN32)
