@@ -1,6 +1,5 @@
 #include "controls/form.h"
 
-#include <exception>
 #include <utility>
 
 namespace quenta::controls {
@@ -8,11 +7,7 @@ namespace quenta::controls {
 Form::Form(ports::FormHost& host, std::string name) : host_(host), name_(std::move(name)), caption_(name_) {
   unload_later_.on_timer = [this] {
     unload_later_.set_enabled(false);
-    try {
-      Unload();
-    } catch (const std::exception&) {
-      // The form stays.
-    }
+    UnloadNow();
   };
 }
 
@@ -120,8 +115,16 @@ void Form::EndOperation() noexcept {
   if (--operations_ > 0 || !std::exchange(unload_put_off_, false) || !loaded_) return;
   try {
     unload_later_.set_enabled(true);
-  } catch (const std::exception&) {
-    // Without a timer the form stays; the user can close it again.
+  } catch (...) {
+    UnloadNow();  // without a timer; the host keeps the form until its events have ended
+  }
+}
+
+void Form::UnloadNow() noexcept {
+  try {
+    Unload();
+  } catch (...) {
+    OnUnloadFailed();
   }
 }
 

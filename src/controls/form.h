@@ -102,6 +102,9 @@ class Form : public std::enable_shared_from_this<Form> {
   virtual void OnUnload(bool& cancel) { (void)cancel; }
   // The form is unloaded: let go of what it was given.
   virtual void OnClosed() noexcept {}
+  // A closing that had been put off has failed with the exception that is being handled: the form stays, and somebody
+  // has to be told.
+  virtual void OnUnloadFailed() noexcept {}
 
   void Add(Control& control) { controls_.push_back(&control); }
   ports::FormHost& host() noexcept { return host_; }
@@ -116,6 +119,7 @@ class Form : public std::enable_shared_from_this<Form> {
   }
   void Closed() noexcept;
   void EndOperation() noexcept;
+  void UnloadNow() noexcept;
 
   ports::FormHost& host_;
   std::string name_;

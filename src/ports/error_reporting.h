@@ -1,5 +1,5 @@
-// The suite's error-reporting object, as the component calls it. None of these calls ever fails: a report that cannot
-// be delivered is lost.
+// The suite's error-reporting object, as the component calls it. None of these calls ever throws: a report that cannot
+// be delivered is lost, and whoever has to know of it is told in another way.
 #pragma once
 
 #include <string>
@@ -23,7 +23,8 @@ struct ErrorReport {
 class ErrorReporting {
  public:
   virtual ~ErrorReporting() = default;
-  virtual void Report(const ErrorReport& report) noexcept = 0;
+  // False when it could not be delivered.
+  virtual bool Report(const ErrorReport& report) noexcept = 0;
 
   // Progress of a reconnect, each with the form it disturbs (may be null). SQLReconnectShow creates the object that the
   // others are called on, until ReleaseReconnect lets go of it: every reconnect ends with that, even a cancelled one.

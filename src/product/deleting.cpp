@@ -53,7 +53,7 @@ void RollBackOpenTransaction(session::Session& session) noexcept {
   if (session.transaction_held) return;
   try {
     if (session::InTransaction(session)) session.SharedConnection().RollbackTransaction();
-  } catch (const std::exception&) {
+  } catch (...) {
     // The line is gone, and the server has rolled back by itself.
   }
 }
@@ -66,7 +66,7 @@ void GuardedWithRollback(session::Session& session, const session::Labels& label
   session::Guarded(session.ports().error_reporting, labels, procedure, [&] {
     try {
       body();
-    } catch (const std::exception&) {
+    } catch (...) {
       put_right();
       RollBackOpenTransaction(session);
       throw;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "component/session/guarded.h"
+
 namespace quenta::product {
 
 void FormOverProduct::OnLoad() {
@@ -17,6 +19,12 @@ void FormOverProduct::OnUnload(bool& cancel) {
 void FormOverProduct::OnClosed() noexcept {
   forms_.Remove(*this);
   GiveBack();
+}
+
+void FormOverProduct::OnUnloadFailed() noexcept {
+  const session::Labels labels{"Programa de Contabilidade", "Quenta_Produtos", name().c_str(),
+                               session::DescriptionStyle::kAlone};
+  session::ReportException(session_.ports().error_reporting, labels, "Form_Unload");
 }
 
 std::shared_ptr<frmMain> FormOverProduct::OpenerOf(std::int32_t produto_id) const {

@@ -26,6 +26,7 @@ class FormOverProduct : public controls::Form {
   void OnLoad() override;
   void OnUnload(bool& cancel) override;
   void OnClosed() noexcept override;
+  void OnUnloadFailed() noexcept override;
 
   // The product form while it shows this product; null once it has gone, shows another one, or was given back.
   std::shared_ptr<frmMain> OpenerOf(std::int32_t produto_id) const;

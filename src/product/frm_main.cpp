@@ -125,6 +125,10 @@ void frmMain::OnClosed() noexcept {
   request_ = {};
 }
 
+void frmMain::OnUnloadFailed() noexcept {
+  session::ReportException(session_.ports().error_reporting, kFormLabels, "Form_Unload");
+}
+
 void frmMain::SetAltered(bool altered) {
   altered_ = altered && !filling_;
   if (!filling_) Toolbar1.EnableButton("gravar", altered_);

@@ -52,8 +52,8 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   // Fills the lookup lists, then loads the product, or creates one when there is no identifier yet. Can run again on a
   // form that is filled already. (load.cpp)
   void Fill();
-  // Saves the product. False when it was refused, which the user has been told, or failed, which was reported; the form
-  // and its fields are then as they were. (saving.cpp)
+  // Saves the product. False when it was refused, or failed; the user has been told, or it was reported. The form and
+  // its fields are then as they were. (saving.cpp)
   bool Gravar();
   // Makes the record read-only and hides the editing buttons; with false undoes both. What else changes the product is
   // closed and opened with it. (locking.cpp)
@@ -203,11 +203,12 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void OnLoad() override;
   void OnUnload(bool& cancel) override;
   void OnClosed() noexcept override;
+  void OnUnloadFailed() noexcept override;
 
  private:
-  // Runs a procedure by the convention for errors. (frm_main_guard.h)
-  template <typename Body>
-  auto Guarded(const char* procedure, Body&& body) noexcept;
+  // Runs a procedure by the convention for errors, as session::Guarded does. (frm_main_guard.h)
+  template <typename Body, typename... Untold>
+  auto Guarded(const char* procedure, Body&& body, Untold&&... untold) noexcept;
 
   // frm_main_layout.cpp
   void AddControls();
@@ -299,6 +300,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void ShowStatistics(const ports::RowSet& statistics);
 
   // saving.cpp
+  bool Save();
   bool FieldsAreValid();
   bool CodeIsTaken();
   bool ExemptionsHaveReasons();

@@ -22,10 +22,10 @@ class FillingMark {
   bool before_;
 };
 
-template <typename Body>
-auto frmMain::Guarded(const char* procedure, Body&& body) noexcept {
+template <typename Body, typename... Untold>
+auto frmMain::Guarded(const char* procedure, Body&& body, Untold&&... untold) noexcept {
   const Operation operation(*this);
-  return session::Guarded(session_.ports().error_reporting, kFormLabels, procedure, body);
+  return session::Guarded(session_.ports().error_reporting, kFormLabels, procedure, body, untold...);
 }
 
 }  // namespace quenta::product

@@ -27,10 +27,10 @@ std::string ListText(const controls::TextField& field, const base::Locale& local
 
 }  // namespace
 
-template <typename Body>
-void frmStocks::Guarded(const std::string& procedure, Body&& body) noexcept {
+template <typename Body, typename... Untold>
+void frmStocks::Guarded(const std::string& procedure, Body&& body, Untold&&... untold) noexcept {
   const Operation operation(*this);
-  session::Guarded(session_.ports().error_reporting, kLabels, procedure.c_str(), body);
+  session::Guarded(session_.ports().error_reporting, kLabels, procedure.c_str(), body, untold...);
 }
 
 frmStocks::frmStocks(session::Session& session, ports::FormHost& host, hosting::Forms& forms,
@@ -117,7 +117,11 @@ void frmStocks::ShowRecord() {
 void frmStocks::Command1_Click() {
   const std::shared_ptr<Form> alive = shared_from_this();
   bool saved = false;
-  Guarded("Command1_Click", [&] {
+  const auto tell = [&](const std::string& description) {
+    session_.ports().desktop.Ask(
+        {.text = "Não foi possível gravar as quantidades.\n" + description, .icon = ports::Icon::kCritical}, this);
+  };
+  const auto save = [&] {
     if (!Command1.enabled()) return;
     if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281", this)) {
       session_.ports().desktop.Ask(
@@ -136,7 +140,8 @@ void frmStocks::Command1_Click() {
     SaveRecord();
     ShowInList();
     saved = true;
-  });
+  };
+  Guarded("Command1_Click", save, tell);
   if (saved) Unload();
 }
 

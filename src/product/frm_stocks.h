@@ -36,8 +36,8 @@ class frmStocks final : public FormOverProduct {
 
  private:
   // Runs a procedure by the convention for errors.
-  template <typename Body>
-  void Guarded(const std::string& procedure, Body&& body) noexcept;
+  template <typename Body, typename... Untold>
+  void Guarded(const std::string& procedure, Body&& body, Untold&&... untold) noexcept;
 
   void LayOut();
   void AddEvents();

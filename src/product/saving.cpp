@@ -33,27 +33,36 @@ std::string Assignments(const std::vector<std::pair<const char*, std::string>>& 
 }  // namespace
 
 bool frmMain::Gravar() {
-  return Guarded("Gravar", [&] {
-    if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281", this)) {
-      Tell({.text =
-                "Não tem permissões para efectuar alterações nos produtos. Contacte o administrador de segurança para "
-                "que lhe sejam atribuídas as permissões necessárias.",
-            .title = "Politicas de Segurança",
-            .icon = Icon::kCritical});
-      return false;
-    }
-    if (incomplete_) {
-      Tell({.text = Label1.caption(), .title = "Registo de Documentos", .icon = Icon::kInformation});
-      return false;
-    }
-    if (!FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons() || !AmountsAreComputed() || !SaveRecord()) {
-      return false;
-    }
-    Toolbar1.EnableButton("apagar", true);
-    Toolbar1.EnableButton("duplicar", true);
-    SetAltered(false);
-    return true;
-  });
+  // Whatever becomes of the report, nobody goes away from a product that he only thinks is saved.
+  const auto tell = [&](const std::string& description) {
+    Tell({.text = "Não foi possível gravar o produto. As alterações não foram gravadas.\n" + description,
+          .title = "Registo de Documentos",
+          .icon = Icon::kCritical,
+          .system_modal = true});
+  };
+  return Guarded(
+      "Gravar", [&] { return Save(); }, tell);
+}
+
+bool frmMain::Save() {
+  if (!data::CheckSecurityPolicy(session_, session_.state().session_user, "#2281", this)) {
+    Tell({.text = "Não tem permissões para efectuar alterações nos produtos. Contacte o administrador de segurança "
+                  "para que lhe sejam atribuídas as permissões necessárias.",
+          .title = "Politicas de Segurança",
+          .icon = Icon::kCritical});
+    return false;
+  }
+  if (incomplete_) {
+    Tell({.text = Label1.caption(), .title = "Registo de Documentos", .icon = Icon::kInformation});
+    return false;
+  }
+  if (!FieldsAreValid() || CodeIsTaken() || !ExemptionsHaveReasons() || !AmountsAreComputed() || !SaveRecord()) {
+    return false;
+  }
+  Toolbar1.EnableButton("apagar", true);
+  Toolbar1.EnableButton("duplicar", true);
+  SetAltered(false);
+  return true;
 }
 
 // False when the user, asked or told about what others did to the product, leaves it as it is.

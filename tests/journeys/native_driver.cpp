@@ -214,9 +214,11 @@ class NativeDriver final : public Driver,
   }
   std::chrono::steady_clock::time_point Now() override { return desktop_.Now(); }
 
-  void Report(const ports::ErrorReport& report) noexcept override {
+  bool Report(const ports::ErrorReport& report) noexcept override {
+    if (reports_are_lost_) return false;
     Tell("report " + report.product + " | " + report.project + " | " + report.module + " | " + report.procedure +
          " | " + Escaped(report.description));
+    return true;
   }
   void SQLReconnectShow(controls::Form* form) noexcept override { Tell("reconnect show over " + screen_.NameOf(form)); }
   void SQLReconnectShutdown(controls::Form* form) noexcept override {
@@ -343,6 +345,7 @@ class NativeDriver final : public Driver,
          screen_.host.faults = &windows_;
        }},
       {"fail", [this](Text statement) { Fail(tests::Fault::kFails, statement); }},
+      {"no-error-reporting", [this](Text) { reports_are_lost_ = true; }},
       {"drop-line", [this](Text statement) { Fail(tests::Fault::kLineDrops, statement); }},
   };
 
@@ -355,6 +358,7 @@ class NativeDriver final : public Driver,
   tests::FaultPlan windows_;
   std::string fail_at_;  // the next statement that holds this text goes wrong
   tests::FaultPlan plan_;
+  bool reports_are_lost_ = false;
 
   tests::SampleCopy sample_;
   sandbox::OdbcDatabase odbc_;

@@ -41,12 +41,13 @@ class Fallible {
 
 class FakeErrorReporting final : public ports::ErrorReporting, public Fallible {
  public:
-  void Report(const ports::ErrorReport& report) noexcept override {
+  bool Report(const ports::ErrorReport& report) noexcept override {
     if (Strikes()) {
       ++lost;
-    } else {
-      reports.push_back(report);
+      return false;
     }
+    reports.push_back(report);
+    return true;
   }
   void SQLReconnectShow(controls::Form* form) noexcept override {
     Note("SQLReconnectShow");

@@ -1,38 +1,52 @@
 #include "component/session/guarded.h"
 
+#include <exception>
 #include <new>
 
 #include "base/text.h"
 
 namespace quenta::session {
+namespace {
 
-void ReportError(ports::ErrorReporting& reporting, const Labels& labels, const char* procedure,
+// What is none of the standard exceptions comes from somebody else's code that runs inside ours.
+base::Error CurrentError() {
+  try {
+    throw;
+  } catch (const base::Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return {base::error_number::kOutOfMemory, "Out of memory"};
+  } catch (const std::exception& exception) {
+    return {base::error_number::kInternal, exception.what()};
+  } catch (...) {
+    return {base::error_number::kInternal, "Unknown error"};
+  }
+}
+
+}  // namespace
+
+bool ReportError(ports::ErrorReporting& reporting, const Labels& labels, const char* procedure,
                  const base::Error& error) noexcept {
-  if (error.number() == 0 || error.number() == base::error_number::kClosedConnection) return;
+  if (error.number() == 0 || error.number() == base::error_number::kClosedConnection) return false;
   try {
     std::string description = error.description();
     if (labels.style == DescriptionStyle::kNumbered) {
       description = "Error Number = " + base::DecimalText(error.number()) + " | Description = " + description;
     }
-    reporting.Report({labels.product, labels.project, labels.module, procedure, description});
-  } catch (const std::bad_alloc&) {
-    // No memory to report with: the report is lost, as the convention has it.
+    return reporting.Report({labels.product, labels.project, labels.module, procedure, description});
+  } catch (...) {
+    return false;  // no memory to report with
   }
 }
 
-void ReportException(ports::ErrorReporting& reporting, const Labels& labels, const char* procedure,
-                     const std::exception& exception) noexcept {
-  if (const auto* error = dynamic_cast<const base::Error*>(&exception)) {
-    ReportError(reporting, labels, procedure, *error);
-    return;
-  }
-  const bool no_memory = dynamic_cast<const std::bad_alloc*>(&exception) != nullptr;
+std::optional<std::string> ReportException(ports::ErrorReporting& reporting, const Labels& labels,
+                                           const char* procedure) noexcept {
   try {
-    ReportError(reporting, labels, procedure,
-                no_memory ? base::Error(base::error_number::kOutOfMemory, "Out of memory")
-                          : base::Error(base::error_number::kInternal, exception.what()));
-  } catch (const std::bad_alloc&) {
-    // As above: lost.
+    const base::Error error = CurrentError();
+    if (ReportError(reporting, labels, procedure, error)) return std::nullopt;
+    return error.description();
+  } catch (...) {
+    return std::string();  // no memory to report with
   }
 }
 

@@ -165,7 +165,7 @@ void StatementLines::Starting(DatabaseCall, const std::string&) {}
 void StatementLines::Ended(const CallRecord& record) noexcept {
   try {
     sink_(LogLine(record, std::chrono::system_clock::now()));
-  } catch (const std::exception&) {
+  } catch (...) {
     // Lost, as promised.
   }
 }

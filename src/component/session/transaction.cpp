@@ -41,7 +41,7 @@ void Transaction::RollBack() noexcept {
   session_.transaction_held = false;
   try {
     session_.SharedConnection().RollbackTransaction();
-  } catch (const std::exception&) {
+  } catch (...) {
     // Mostly the line is gone, and the server has rolled back by itself. Were it not so, the next operation would take
     // what is still open for the host's and go on in it: with its connection it ends for certain.
     session_.DropConnection();

@@ -1,7 +1,6 @@
 #include "platform/ado/ado_database.h"
 
 #include <algorithm>
-#include <exception>
 #include <new>
 #include <string>
 #include <utility>
@@ -100,7 +99,7 @@ class Recordset {
   ~Recordset() {
     try {
       object_.Call(RecordsetMember::kClose);
-    } catch (const std::exception&) {  // a statement without a result leaves a recordset that was never open
+    } catch (...) {  // a statement without a result leaves a recordset that was never open
     }
   }
   Recordset(const Recordset&) = delete;
@@ -157,7 +156,7 @@ class AdoConnection final : public ports::Connection {
   ~AdoConnection() override {
     try {
       AdoConnection::Close();
-    } catch (const std::exception&) {  // releasing the object ends the connection all the same
+    } catch (...) {  // releasing the object ends the connection all the same
     }
   }
 

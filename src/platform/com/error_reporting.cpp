@@ -15,7 +15,7 @@ constexpr wchar_t kProgId[] = L"ErrorReporting.General";
 
 }  // namespace
 
-void AutomationErrorReporting::Report(const ports::ErrorReport& report) noexcept {
+bool AutomationErrorReporting::Report(const ports::ErrorReport& report) noexcept {
   // What fails on the way is lost by agreement, even another module's exception.
   try {
     const ComPtr<IDispatch> reporting = CreateObject(kProgId);
@@ -25,7 +25,9 @@ void AutomationErrorReporting::Report(const ports::ErrorReport& report) noexcept
     const Variant procedure(report.procedure);
     const Variant description(report.description);
     CallMethod(*reporting.Get(), L"Report", {&product, &project, &module_name, &procedure, &description});
+    return true;
   } catch (...) {
+    return false;
   }
 }
 

@@ -10,8 +10,8 @@
 
 namespace quenta::platform {
 
-// Everything that goes wrong here is lost with the report: the class is not registered, a method is missing, the
-// object raises an error of its own. Used on the owning thread only.
+// Everything that goes wrong here is lost: the class is not registered, a method is missing, the object raises an error
+// of its own. A report says that it was. Used on the owning thread only.
 class AutomationErrorReporting final : public ports::ErrorReporting {
  public:
   // Says which window shows a form; null when none does.
@@ -20,7 +20,7 @@ class AutomationErrorReporting final : public ports::ErrorReporting {
   explicit AutomationErrorReporting(WindowOf window_of) : window_of_(std::move(window_of)) {}
 
   // A new reporting object for each report.
-  void Report(const ports::ErrorReport& report) noexcept override;
+  bool Report(const ports::ErrorReport& report) noexcept override;
 
   // One reporting object from the start of a reconnect to its end. The form is handed over as an object with the
   // properties hWnd and Caption, or as Nothing.

@@ -56,11 +56,13 @@ TEST(Guarded, ReportsByTheConventionAndEndsWithTheDefaultResult) {
   EXPECT_EQ(session::Guarded(reporting, kForm, "q", raise(-2147217900)), 0);
   session::Guarded(reporting, kForm, "q", []() -> bool { throw std::bad_alloc(); });
   session::Guarded(reporting, kForm, "q", [] { throw std::out_of_range("índice"); });
-  ASSERT_EQ(reporting.reports.size(), 4U);
+  session::Guarded(reporting, kForm, "q", [] { throw 5; });
+  ASSERT_EQ(reporting.reports.size(), 5U);
   EXPECT_EQ(reporting.reports[0], (ports::ErrorReport{"P", "J", "M", "p", "Error Number = 13 | Description = falhou"}));
   EXPECT_EQ(reporting.reports[1], (ports::ErrorReport{"P", "J", "M", "q", "falhou"}));
   EXPECT_EQ(reporting.reports[2].description, "Out of memory");
   EXPECT_EQ(reporting.reports[3].description, "índice");
+  EXPECT_EQ(reporting.reports[4].description, "Unknown error");
   EXPECT_EQ(session::Guarded(reporting, kForm, "q", [] { return 5; }), 5);
 }
 

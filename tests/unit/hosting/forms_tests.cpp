@@ -12,9 +12,21 @@ class ListedForm final : public controls::Form {
  public:
   ListedForm(ports::FormHost& host, hosting::Forms& forms) : Form(host, "ListedForm"), forms_(forms) {}
 
+  // The user closes it while an operation of its own runs.
+  void CloseWhileItWorks() {
+    const Operation operation(*this);
+    EXPECT_FALSE(Unload());
+  }
+  bool cannot_close = false;
+  int failures_told = 0;
+
  protected:
   void OnLoad() override { forms_.Add(*this); }
+  void OnUnload(bool&) override {
+    if (cannot_close) throw base::Error(base::error_number::kInternal, "It stays.");
+  }
   void OnClosed() noexcept override { forms_.Remove(*this); }
+  void OnUnloadFailed() noexcept override { ++failures_told; }
 
  private:
   hosting::Forms& forms_;
@@ -82,6 +94,25 @@ TEST_F(FormsTest, WithoutATimerTheHiddenFormClosesAtOnce) {
   Open()->Unload();
   host.PassTime();
   EXPECT_FALSE(HiddenFormIsLoaded()) << "the next time as ever";
+}
+
+TEST_F(FormsTest, AClosingThatWasPutOffIsNotDroppedInSilence) {
+  const auto form = Open();
+  form->cannot_close = true;
+  form->CloseWhileItWorks();
+  host.PassTime();
+  EXPECT_TRUE(form->loaded());
+  EXPECT_EQ(form->failures_told, 1);
+  form->cannot_close = false;
+  form->CloseWhileItWorks();
+  host.PassTime();
+  EXPECT_FALSE(form->loaded());
+
+  const auto other = Open();
+  FaultPlan no_timer{.fail_at = 0, .fault = Fault::kFailsForGood};
+  host.faults = &no_timer;
+  other->CloseWhileItWorks();
+  EXPECT_FALSE(other->loaded()) << "at once, without a timer to close it by";
 }
 
 TEST_F(FormsTest, ExclusiveUseDisablesTheOthersAndMakesTimersWait) {
