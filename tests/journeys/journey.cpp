@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "base/text.h"
@@ -52,12 +53,18 @@ void Expand(const Line& line, int include, const Definitions& definitions, std::
   }
 }
 
-Step StepOf(const Line& line) {
-  Step step;
-  step.line = line;
-  step.quiet = line.text.rfind("~ ", 0) == 0;
-  std::tie(step.verb, step.rest) = FirstWord(step.quiet ? line.text.substr(2) : line.text);
-  return step;
+// Several steps may stand in one line; "~" before the first is said of all.
+void AddSteps(const Line& line, std::vector<Step>& steps) {
+  constexpr std::string_view kBetween = " | ";
+  const bool quiet = line.text.rfind("~ ", 0) == 0;
+  for (std::size_t start = quiet ? 2 : 0, end = 0; end != std::string::npos; start = end + kBetween.size()) {
+    end = line.text.find(kBetween, start);
+    Step step;
+    step.quiet = quiet;
+    step.line = line;
+    std::tie(step.verb, step.rest) = FirstWord(line.text.substr(start, end - start));
+    steps.push_back(std::move(step));
+  }
 }
 
 }  // namespace
@@ -125,9 +132,9 @@ Journey ReadJourney(const std::filesystem::path& path, Definitions definitions) 
       TakeDefinition(lines, i, definitions);
     } else if (line.text.starts_with("  ")) {
       if (section.steps.empty()) Fail(line, "belongs to no step");
-      section.steps.back().inside.push_back(StepOf({line.text.substr(2), line.file, line.number}));
+      AddSteps({line.text.substr(2), line.file, line.number}, section.steps.back().inside);
     } else if (line.text != "----") {
-      section.steps.push_back(StepOf(line));
+      AddSteps(line, section.steps);
     } else {
       section.looks = true;
       section.first_line = line.number;
