@@ -12,6 +12,7 @@
 namespace quenta::product {
 namespace {
 
+constexpr const char* kFormCaption = "Ficha de Produto";
 constexpr const char* kNoteCaption = "Dados do produto";
 
 // Other modules of the suite that may bill for a product; a database need not have their tables.
@@ -97,6 +98,7 @@ void frmMain::ClearRecord() {
   FXNome.Clear();
   PrecoKey.clear();
   PrecosAltered = false;
+  set_caption(kFormCaption);
   Label1.set_caption(kNoteCaption);
 }
 
@@ -130,7 +132,7 @@ void frmMain::ShowRecord(const ports::Row& product) {
   SetOffered(FXCentro_ID, product["centro_id"]);
   modified_ = product["data_modified"];
   deletion_known_ = base::IsNonZero(product["is_deleted"]);
-  set_caption("Ficha de Produto - " + FXCodigo.text() + " " + FXNome.text());
+  set_caption(std::string(kFormCaption) + " - " + FXCodigo.text() + " " + FXNome.text());
 }
 
 // A product keeps what its list does not offer any more (a supplier who is none now, an old type): as an entry of its
