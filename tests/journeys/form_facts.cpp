@@ -113,6 +113,10 @@ void AddContents(const Control& control, Fact& fact) {
       return Add(static_cast<const TabStrip&>(control), fact);
     case ControlKind::kListView:
       return Add(static_cast<const ListView&>(control), fact);
+    case ControlKind::kCheckBox:
+    case ControlKind::kOptionButton:
+      fact.values.emplace_back("caption", Shown(static_cast<const Toggle&>(control).caption()));
+      [[fallthrough]];
     default:
       fact.values.emplace_back("text", Shown(control.Describe()));
   }

@@ -448,9 +448,16 @@ void Screen::Click(const std::string& name, const std::string& part) {
   Move(Front(), &control);
   if (control.kind() == ControlKind::kCommandButton) {
     Command([&] { static_cast<CommandButton&>(control).Clicked(); });
-  } else if (control.kind() == ControlKind::kCheckBox || control.kind() == ControlKind::kOptionButton) {
+  } else if (control.kind() == ControlKind::kCheckBox) {
     auto& toggle = static_cast<Toggle&>(control);
     Event([&] { toggle.Clicked(!toggle.value()); });
+  } else if (control.kind() == ControlKind::kOptionButton) {
+    auto& option = static_cast<Toggle&>(control);
+    if (option.value()) return;
+    for (Control* other : Front().form->controls()) {
+      if (other->kind() == ControlKind::kOptionButton) static_cast<Toggle*>(other)->set_value(false);
+    }
+    Event([&] { option.Clicked(true); });
   } else if (control.kind() == ControlKind::kListView) {
     auto& list = static_cast<ListView&>(control);  // the check box of the row that begins so
     ClickRow(name, part, false);
