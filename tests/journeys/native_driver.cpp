@@ -17,10 +17,13 @@
 #include "base/text.h"
 #include "component/component.h"
 #include "component/general.h"
+#include "component/session/connection_keeper.h"
+#include "component/session/scrambler.h"
 #include "component/session/statement_log.h"
 #include "generator/frm_gerar.h"
 #include "journeys/driver.h"
 #include "journeys/screen.h"
+#include "journeys/servers.h"
 #include "product/product_forms.h"
 #include "sandbox/odbc/odbc_database.h"
 #include "support/fake_ports.h"
@@ -34,10 +37,12 @@ namespace {
 using ports::Answer;
 
 constexpr const char* kNow = "2026-11-21 12:34:56";
+constexpr const char* kSuiteKey = R"(SOFTWARE\Ambrell\)";
 constexpr const char* kSettingsKey = R"(SOFTWARE\Ambrell\Contabilidade:)";
 constexpr const char* kAllTables =
     "tbContadores, tbProdutos, tbProdutos_Precos, tbProdutos_Stocks, tbProdutos_Stocks_Minimos";
 constexpr const char* kTemplates = R"(C:\Modelos)";
+constexpr const char* kShadowFile = R"(C:\ProgramData\Torvik Software\RegShadow.db)";
 
 const std::map<std::string, Answer> kAnswers = {
     {"ok", Answer::kOk}, {"yes", Answer::kYes}, {"no", Answer::kNo}, {"cancel", Answer::kCancel}};
@@ -50,6 +55,7 @@ std::string Quoted(const std::string& text) {
 }
 
 class NativeDriver final : public Driver,
+                           private session::WorkingForm,
                            private ports::Desktop,
                            private ports::ErrorReporting,
                            private session::CallListener {
@@ -65,12 +71,20 @@ class NativeDriver final : public Driver,
       ReadRows(*other_, TablesWritten(kAllTables), rows);
       return rows;
     }();
+    for (const auto& [name, value] : {std::pair("Shared\\OUT:DataServer", std::string("Contabilidade")),
+                                      {"Contabilidade:dtSecurityInfo", "False"},
+                                      {"Contabilidade:dtUser", "suite"},
+                                      {"Contabilidade:dtPassword", tests::SampleArguments(sample_, "").cnPassword},
+                                      {"Contabilidade:dtInitialCatalog", "Amostra"},
+                                      {"Contabilidade:dtDataSource", sample_.source}}) {
+      settings_.registry[std::string(kSuiteKey) + name] = value;
+    }
     rows_ = kCatalogue;
   }
   ~NativeDriver() override {
     for (const auto& [name, form] : screen_.Forms()) Lose(name);
     screen_.EndStep();
-    general_.reset();
+    generals_.clear();
     session_.ReleaseConnection();
     other_.reset();
     std::error_code ignored;
@@ -101,6 +115,7 @@ class NativeDriver final : public Driver,
 
   std::vector<Seen> Observe() override {
     screen_.EndStep();
+    TellWait();
     std::vector<Seen> seen = std::exchange(events_, {});
     std::map<std::string, Facts> forms;
     for (const auto& [name, form] : screen_.Forms()) {
@@ -122,11 +137,55 @@ class NativeDriver final : public Driver,
     }
     AppendChanges(files_, files, Kind::kRow, seen);
     files_ = std::move(files);
+    Facts session{SessionFact()};
+    if (session_matters_) AppendChanges(session_facts_, session, Kind::kRow, seen);
+    session_facts_ = std::move(session);
     return seen;
   }
 
  private:
-  void Tell(const std::string& event) { events_.push_back({Kind::kEvent, event}); }
+  void Tell(const std::string& event) {
+    TellWait();
+    events_.push_back({Kind::kEvent, event});
+  }
+  void TellStatement(const std::string& text) {
+    TellWait();
+    events_.push_back({Kind::kStatement, text});
+  }
+  // How long a line has been waited for since the last event.
+  void TellWait() {
+    if (const int seconds = std::exchange(waited_, 0); seconds > 0) Tell("waited " + std::to_string(seconds) + " s");
+  }
+
+  std::string Named(const std::string& text) const {
+    return base::ReplaceAll(base::ReplaceAll(text, sample_.other_source(), "{secondary}"), sample_.source, "{primary}");
+  }
+  std::string Renamed(const std::string& text) const {
+    return base::ReplaceAll(base::ReplaceAll(text, "{secondary}", sample_.other_source()), "{primary}", sample_.source);
+  }
+
+  // What is held scrambled is shown clear: what is not, is shown empty.
+  Fact SessionFact() const {
+    const session::SessionState& state = session_.state();
+    const auto clear = [&](const std::string& scrambled) { return Shown(Named(session::Unscramble(scrambled))); };
+    return {"session",
+            {{"lines", std::to_string(servers_.open_lines)},
+             {"timeout", std::to_string(servers_.timeout)},
+             {"connected", state.connected ? "yes" : "no"},
+             {"user", Shown(state.session_user)},
+             {"password", clear(state.session_password)},
+             {"application", Shown(state.application_key)},
+             {"security", Shown(state.security_info)},
+             {"database-user", Shown(state.database_user)},
+             {"database-password", clear(state.database_password)},
+             {"catalogue", Shown(state.initial_catalog)},
+             {"primary", Shown(Named(state.primary_data_source))},
+             {"secondary", Shown(Named(state.secondary_data_source))},
+             {"on-secondary", state.on_secondary ? "yes" : "no"},
+             {"primary-string", clear(state.primary_connection_string)},
+             {"secondary-string", clear(state.secondary_connection_string)},
+             {"shared-string", clear(session_.shared_connection_string)}}};
+  }
 
   // What a form shows before anything is in it: only what differs is worth saying of a new one.
   Facts DesignOf(const controls::Form& form, const std::string& name) {
@@ -203,7 +262,10 @@ class NativeDriver final : public Driver,
     Tell("clipboard " + Quoted(text));
     return refused_.erase("clipboard") == 0 && desktop_.CopyText(text);
   }
+  // Each turn of the host lasts a second of the journey's time.
   bool PumpMessages() override {
+    desktop_.skipped += std::chrono::seconds(1);
+    if (servers_.connecting > 0) ++waited_;
     std::map<int, Step> later;
     for (const auto& [number, turn] : std::exchange(turns_, {})) later[number - 1] = turn;
     turns_ = std::move(later);
@@ -212,7 +274,7 @@ class NativeDriver final : public Driver,
     }
     return refused_.erase("turn") == 0 && desktop_.PumpMessages();
   }
-  std::chrono::steady_clock::time_point Now() override { return desktop_.Now(); }
+  Clock::time_point Now() override { return Clock::time_point(desktop_.skipped); }
 
   bool Report(const ports::ErrorReport& report) noexcept override {
     if (reports_are_lost_) return false;
@@ -231,29 +293,100 @@ class NativeDriver final : public Driver,
 
   void ReleaseReconnect() noexcept override { Tell("reconnect released"); }
 
+  // The form that "check form" hands to the keeper.
+  int MousePointer() override { return 5; }
+  void SetMousePointer(int pointer) override { Tell("pointer " + std::to_string(pointer)); }
+  void SetWindowState(int state) override { Tell(state == 0 ? "normal" : state == 1 ? "minimised" : "maximised"); }
+  void Refresh() override { Tell("refreshed"); }
+  controls::Form* Form() override { return nullptr; }
+
   void Starting(session::DatabaseCall call, const std::string& text) override {
     const bool strikes = !fail_at_.empty() && text.find(fail_at_) != std::string::npos;
     if (strikes) plan_.fail_at = plan_.calls;
     if (strikes) fail_at_.clear();
     if (call == session::DatabaseCall::kStatement) wrote_.merge(TablesWritten(text));
     const bool connects = call == session::DatabaseCall::kOpen;
-    const std::string named =
-        base::ReplaceAll(base::ReplaceAll(text, sample_.other_source(), "{secondary}"), sample_.source, "{primary}");
-    events_.push_back({Kind::kStatement, connects ? "CONNECT " + named : Escaped(text)});
+    TellStatement(connects ? "CONNECT " + Named(text) : Escaped(text));
   }
   void Ended(const session::CallRecord& record) noexcept override {
-    if (record.error) events_.push_back({Kind::kStatement, "  failed: " + Escaped(record.error->description())});
+    if (record.error) TellStatement("  failed: " + Escaped(record.error->description()));
   }
 
   // --- The steps ---
 
   component::General& General() {
-    if (!general_) general_ = std::make_unique<component::General>(component_);
-    return *general_;
+    std::unique_ptr<component::General>& general = generals_[general_];
+    if (!general) general = std::make_unique<component::General>(component_);
+    return *general;
   }
+  ports::ProductRequest Request() const { return {.caller = caller_}; }
   void LogIn(const std::string& user) {
     if (!General().SQLConnect(tests::SampleArguments(sample_, user))) throw std::runtime_error(user + " is refused");
     events_.clear();
+  }
+  // "ana cnPassword=x oFlags=1": what a host passes for this user, with both servers, but for what is said.
+  void Connect(const std::string& text) {
+    session_matters_ = true;
+    std::vector<std::string> words = Words(Renamed(text));
+    component::SQLConnectArguments arguments = tests::SampleArguments(sample_, words.at(0));
+    arguments.cnDataSourceSecondary = sample_.other_source();
+    for (std::size_t i = 1; i < words.size(); ++i) {
+      const std::string name = words[i].substr(0, words[i].find('='));
+      const std::string value = words[i].substr(name.size() + 1);
+      if (name == "Password") arguments.Password = session::Scramble(value);
+      if (name == "cnPassword") arguments.cnPassword = session::Scramble(value);
+      if (name == "cnInitialCatalog") arguments.cnInitialCatalog = value;
+      if (name == "cnDataSourceSecondary") arguments.cnDataSourceSecondary = value;
+      if (name == "oFlags") arguments.oFlags = std::stoi(value);
+    }
+    Tell(std::string("SQLConnect -> ") + (General().SQLConnect(arguments) ? "True" : "False"));
+  }
+  // "ana Password=x", or "ana without=dtUser": the setting is missing meanwhile.
+  void Login(const std::string& text) {
+    session_matters_ = true;
+    const auto [user, other] = FirstWord(text);
+    const std::string value = other.substr(other.find('=') + 1);
+    std::string password = tests::SampleArguments(sample_, user).Password;
+    if (other.starts_with("Password=")) password = session::Scramble(value);
+    const auto registry = settings_.registry;
+    if (other.starts_with("without="))
+      std::erase_if(settings_.registry, [&](const auto& v) { return v.first.ends_with(value); });
+    Tell(std::string("Login -> ") + (General().Login(user, password) ? "True" : "False"));
+    settings_.registry = registry;
+  }
+  // "form reconnect silent": asks the keeper itself, as another module of the suite would.
+  void Check(const std::string& text) {
+    session_matters_ = true;
+    const std::vector<std::string> words = Words(text);
+    const auto has = [&](const char* word) { return std::find(words.begin(), words.end(), word) != words.end(); };
+    session::ConnectionCheck check{.form = has("form") ? this : nullptr,
+                                   .transaction_shortcut = has("shortcut"),
+                                   .reconnect = has("reconnect"),
+                                   .silent = has("silent"),
+                                   .minimise = has("minimise")};
+    const std::string answer = session::SQLConnectionCheck(session_, check);
+    Tell("check -> " + Quoted(answer));
+  }
+  // "{primary} down", "{primary} after 3 down", "{secondary} up 2", "{primary} up": how this server takes opens.
+  void SetServer(const std::string& text) {
+    const std::vector<std::string> words = Words(Renamed(text));
+    ServerState& state = servers_.states[words.at(0)] = {};
+    for (std::size_t i = 1; i < words.size(); ++i) {
+      const int number = i + 1 < words.size() ? std::atoi(words[i + 1].c_str()) : 0;
+      if (words[i] == "after") state.answers_after = std::chrono::seconds(number);
+      if (words[i] == "up" && number > 0) state.answers = number;
+      if (words[i] == "down") state.answers = 0;
+    }
+  }
+  // "Contabilidade:dtUser=suite"; without a value, there is none.
+  void SetRegistry(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    std::string& value = settings_.registry[kSuiteKey + text.substr(0, equals)];
+    if (equals == std::string::npos) {
+      settings_.registry.erase(kSuiteKey + text);
+    } else {
+      value = Renamed(text.substr(equals + 1));
+    }
   }
   std::int32_t IdOf(const std::string& code) {
     const ports::RowSet rows =
@@ -284,10 +417,22 @@ class NativeDriver final : public Driver,
   const std::map<std::string, std::function<void(Text)>> verbs_ = {
       // The host.
       {"as", [this](Text user) { LogIn(user); }},
-      {"open", [this](Text code) { General().ObjectOpen(IdOf(code), {}); }},
-      {"open-id", [this](Text id) { General().ObjectOpen(base::Value(id), {}); }},
-      {"new", [this](Text) { General().ObjectNew({}); }},
-      {"release", [this](Text) { general_.reset(); }},
+      {"open", [this](Text code) { General().ObjectOpen(IdOf(code), Request()); }},
+      {"open-id", [this](Text id) { General().ObjectOpen(id.empty() ? base::Value() : base::Value(id), Request()); }},
+      {"registo", [this](Text id) { General().Registo(base::Value(id), Request()); }},
+      {"new", [this](Text) { General().ObjectNew(Request()); }},
+      {"novo-registo", [this](Text) { General().NovoRegisto(Request()); }},
+      {"caller", [this](Text name) { caller_ = name.empty() ? nullptr : std::make_shared<HostWindow>(name); }},
+      {"general", [this](Text name) { general_ = name; }},  // the one that the host uses from here on
+      {"release", [this](Text) { generals_.erase(general_); }},
+      {"connect", [this](Text text) { Connect(text); }},
+      {"login", [this](Text text) { Login(text); }},
+      {"check", [this](Text text) { Check(text); }},
+      {"turns",  // of the host, in which nobody asks anything of it
+       [this](Text number) {
+         for (int i = std::stoi(number); i > 0; --i) PumpMessages();
+       }},
+      {"cancel-wait", [this](Text) { session_.cancel_reconnect = true; }},
       // The user.
       {"focus", [this](Text control) { screen_.FocusOn(control); }},
       {"type", [this](Text text) { Split(text, &Screen::Type); }},
@@ -333,17 +478,22 @@ class NativeDriver final : public Driver,
          settings_.write_errors.erase(path);
          if (number != "0") settings_.write_errors[path] = std::stoi(number);
        }},
-      // Once: a document is not opened, the clipboard is held by another program, a window is not made; at a turn, the
+      // Once: a document is not opened, the clipboard is held by another program, a window or timer is not made; at a
+      // turn, the
       // host is quitting.
       {"refuse",
        [this](Text what) {
-         if (what != "window") {
+         if (what != "window" && what != "timer") {
            refused_.insert(what);
            return;
          }
          windows_.fail_at = windows_.calls;
          screen_.host.faults = &windows_;
        }},
+      {"registry", [this](Text text) { SetRegistry(text); }},
+      {"shadow", [this](Text text) { settings_.files[kShadowFile] = text; }},
+      {"server", [this](Text text) { SetServer(text); }},
+      {"other-columns", [this](Text statement) { Fail(tests::Fault::kOtherColumns, statement); }},
       {"fail", [this](Text statement) { Fail(tests::Fault::kFails, statement); }},
       {"no-error-reporting", [this](Text) { reports_are_lost_ = true; }},
       {"drop-line", [this](Text statement) { Fail(tests::Fault::kLineDrops, statement); }},
@@ -352,6 +502,7 @@ class NativeDriver final : public Driver,
   std::vector<Seen> events_;
   std::set<std::string> wrote_;  // tables, since the last look
   std::set<std::string> others_wrote_;
+  int waited_ = 0;  // seconds
   std::deque<Step> answers_;
   std::map<int, Step> turns_;  // what happens at the n-th next turn of the host
   std::set<std::string> refused_;
@@ -363,7 +514,8 @@ class NativeDriver final : public Driver,
   tests::SampleCopy sample_;
   sandbox::OdbcDatabase odbc_;
   std::unique_ptr<ports::Connection> other_ = odbc_.CreateConnection();
-  tests::FaultyDatabase faulty_{odbc_, plan_};
+  Servers servers_{odbc_, [this] { return Now(); }};
+  tests::FaultyDatabase faulty_{servers_, plan_};
   session::StatementLog database_{faulty_, *this};
   tests::FakeSettings settings_;
   tests::FakeDesktop desktop_;
@@ -371,12 +523,16 @@ class NativeDriver final : public Driver,
   session::Session session_{{database_, settings_, *this, *this}};
   product::ProductForms product_forms_{session_, screen_, &generator::MakeGenerator};
   component::Component component_{session_, product_forms_, screen_};
-  std::unique_ptr<component::General> general_;
+  std::map<std::string, std::unique_ptr<component::General>> generals_;
+  std::string general_;  // the one in use
+  ports::HostObjectRef caller_;
   std::shared_ptr<product::frmMain> design_;
 
   std::map<std::string, Facts> forms_;  // as they were last seen
   std::map<std::string, Facts> rows_;   // by table
   Facts files_;
+  Facts session_facts_{SessionFact()};
+  bool session_matters_ = false;  // in journeys that connect, log in or ask the keeper
 };
 
 }  // namespace

@@ -119,6 +119,11 @@ struct Edited {
   std::function<void(TextRange range)> select;
 };
 
+std::string ForCaller(const Form& form) {
+  const auto caller = std::dynamic_pointer_cast<HostWindow>(form.Caller());
+  return caller != nullptr ? " for " + caller->name : "";
+}
+
 int VirtualKey(const std::string& name) {
   static const std::map<std::string, int> kNames = {{"Tab", key_code::kTab},
                                                     {"Enter", key_code::kEnter},
@@ -160,9 +165,9 @@ void Screen::Show(Form& form) {
         window->focus = place.control;
       }
     }
-    tell_("shown " + window->name);
+    tell_("shown " + window->name + ForCaller(form));
   } else {
-    tell_("to front " + window->name);
+    tell_("to front " + window->name + ForCaller(form));
     std::rotate(std::find_if(windows_.begin(), windows_.end(), [&](const auto& w) { return w.get() == window; }),
                 std::find_if(windows_.begin(), windows_.end(), [&](const auto& w) { return w.get() == window; }) + 1,
                 windows_.end());
@@ -174,7 +179,7 @@ void Screen::Close(Form& form) {
   host.Close(form);
   const auto found =
       std::find_if(windows_.begin(), windows_.end(), [&](const auto& window) { return window->form.get() == &form; });
-  if (found == windows_.end()) return;
+  if (found == windows_.end()) return tell_("closed " + form.name());  // it has no window
   tell_("closed " + (*found)->name);
   closed_.push_back((*found)->form);
   windows_.erase(found);

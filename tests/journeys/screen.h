@@ -10,9 +10,16 @@
 
 #include "controls/form.h"
 #include "journeys/observation.h"
+#include "ports/host_object.h"
 #include "support/fake_ports.h"
 
 namespace quenta::journeys {
+
+// A window of the host's, for which a form is opened.
+struct HostWindow final : ports::HostObject {
+  explicit HostWindow(std::string window_name) : name(std::move(window_name)) {}
+  std::string name;
+};
 
 class Screen final : public ports::FormHost {
  public:
