@@ -97,6 +97,10 @@ class NativeDriver final : public Driver,
       turns_[std::stoi(step.rest)] = step;
       return;
     }
+    if (step.verb == "before") {
+      before_ = step;
+      return;
+    }
     // What others write is nothing to be seen; read again once, behind the last of them.
     if (step.verb != "other") ReadRows(*other_, std::exchange(others_wrote_, {}), rows_);
     const auto verb = verbs_.find(step.verb);
@@ -110,6 +114,7 @@ class NativeDriver final : public Driver,
     for (const std::string& entry : std::exchange(screen_.answers, {})) unused += " " + entry;
     for (const auto& [number, turn] : std::exchange(turns_, {})) unused += " turn " + std::to_string(number);
     for (const std::string& what : std::exchange(refused_, {})) unused += " refuse " + what;
+    if (!before_.rest.empty()) unused += " before " + std::exchange(before_, {}).rest;
     return unused;
   }
 
@@ -301,6 +306,9 @@ class NativeDriver final : public Driver,
   controls::Form* Form() override { return nullptr; }
 
   void Starting(session::DatabaseCall call, const std::string& text) override {
+    if (!before_.rest.empty() && text.find(before_.rest) != std::string::npos) {
+      for (const Step& step : std::exchange(before_, {}).inside) Do(step);
+    }
     const bool strikes = !fail_at_.empty() && text.find(fail_at_) != std::string::npos;
     if (strikes) plan_.fail_at = plan_.calls;
     if (strikes) fail_at_.clear();
@@ -505,6 +513,7 @@ class NativeDriver final : public Driver,
   int waited_ = 0;  // seconds
   std::deque<Step> answers_;
   std::map<int, Step> turns_;  // what happens at the n-th next turn of the host
+  Step before_;                // and before the next statement that holds its text
   std::set<std::string> refused_;
   tests::FaultPlan windows_;
   std::string fail_at_;  // the next statement that holds this text goes wrong
