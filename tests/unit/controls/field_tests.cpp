@@ -1,5 +1,4 @@
 #include "base/date.h"
-#include "controls/combo_box.h"
 #include "controls/field_entry.h"
 #include "controls/field_value.h"
 #include "controls/simple_controls.h"
@@ -11,7 +10,6 @@ namespace quenta::tests {
 namespace {
 
 using base::Value;
-using controls::ComboBox;
 using controls::TextField;
 
 base::Locale Points() {
@@ -66,38 +64,6 @@ TEST(TextFieldValue, IsShownAndReadBackByItsCode) {
   field.set_text("antes");
   controls::SetFieldValue(field, 1, 11, Points());
   EXPECT_EQ(field.text(), "antes") << "an unknown code changes nothing";
-}
-
-TEST(ComboBoxValue, AListGoesByItemDataAndARecordOfTextsByText) {
-  const auto fill = [](ComboBox& box) {
-    box.AddItem("Branco");
-    box.SetItemData(box.NewIndex(), 42);
-    box.AddItem("42");
-    box.SetItemData(box.NewIndex(), 7);
-  };
-  ComboBox list("FXFamilia_ID", ComboBox::Style::kList);
-  fill(list);
-  controls::SetFieldValue(list, 42, 0, Points());
-  EXPECT_EQ(list.text(), "Branco");
-  EXPECT_EQ(controls::GetFieldValue(list, 0, Points()), "42");
-  controls::SetFieldValue(list, "Branco", 0, Points());
-  EXPECT_EQ(list.ListIndex(), 0);
-  controls::SetFieldValue(list, 99, 0, Points());
-  EXPECT_EQ(list.ListIndex(), -1);
-  EXPECT_EQ(controls::GetFieldValue(list, 0, Points()), "null");
-
-  ComboBox size("FXTamanho", ComboBox::Style::kEditable);
-  size.holds_text = true;
-  fill(size);
-  controls::SetFieldValue(size, "42", 0, Points());
-  EXPECT_EQ(size.ListIndex(), 1) << "the text 42, not the item with the number 42";
-  EXPECT_EQ(controls::GetFieldValue(size, 0, Points()), "'42'");
-  controls::SetFieldValue(size, "Extra d'Ouro", 0, Points());
-  EXPECT_EQ(size.text(), "Extra d'Ouro");
-  EXPECT_EQ(controls::GetFieldValue(size, 0, Points()), "'Extra d' + CHAR(39) + 'Ouro'");
-  controls::SetFieldValue(size, Value::Null(), 0, Points());
-  EXPECT_EQ(size.text(), "");
-  EXPECT_EQ(controls::GetFieldValue(size, 0, Points()), "null");
 }
 
 TEST(OtherFieldValues, ShowNullAsNothing) {
@@ -169,20 +135,6 @@ TEST(FieldEntry, ANumericFieldSwitchesBetweenItsRawValueAndItsDisplay) {
     EXPECT_TRUE(controls::FieldLostFocus(field, c.code, Points()));
     EXPECT_EQ(field.tag(), c.tag_after);
     EXPECT_EQ(field.text(), c.text_after);
-  }
-}
-
-// Numbers come from the numeric pad, whose decimal key is not the same everywhere, and from two habits of writing.
-TEST(FieldEntry, BothDecimalSignsWorkInEveryNumericFieldWhateverTheLocale) {
-  for (const base::Locale& locale : {PortugueseLocale(), Points(), EnglishLocale()}) {
-    for (const int code : {2, 4, 5, 7, 8, 10}) {
-      for (const char* typed : {"12.5", "12,5", " 12,5 ", "12.50", "12,50"}) {
-        TextField field("FX");
-        field.Typed(typed);
-        EXPECT_TRUE(controls::FieldLostFocus(field, code, locale));
-        EXPECT_EQ(controls::GetFieldValue(field, code, locale), code == 5 ? "0.125" : "12.5") << typed << ' ' << code;
-      }
-    }
   }
 }
 
