@@ -40,22 +40,51 @@ TEST_F(RegistryTest, AKeyPathIsSplitOrRefusedWithTheMessage) {
   EXPECT_FALSE(registry.FormatarChave(path, root));
   EXPECT_EQ(path, R"(HKEY_LOCAL_MACHINE\SOFTWARE\)");
   EXPECT_EQ(root, 0x80000003U);
-  ASSERT_EQ(desktop.messages.size(), 1U);
-  EXPECT_EQ(desktop.messages[0].text, "Formato Incorrecto:\n\nHKEY_LOCAL_MACHINE\\SOFTWARE\\");
-  EXPECT_EQ(desktop.messages[0].icon, ports::Icon::kNone);
-  EXPECT_EQ(data::Registry::ObterHandleChavePrincipal("HKEY_NOWHERE"), 0U);
+  const std::pair<const char*, ports::RootKey> roots[] = {{"HKEY_CLASSES_ROOT", 0x80000000U},
+                                                          {"HKEY_CURRENT_USER", 0x80000001U},
+                                                          {"HKEY_LOCAL_MACHINE", 0x80000002U},
+                                                          {"HKEY_PERFORMANCE_DATA", 0x80000004U},
+                                                          {"HKEY_CURRENT_CONFIG", 0x80000005U},
+                                                          {"HKEY_DYN_DATA", 0x80000006U},
+                                                          {"HKEY_NOWHERE", 0U}};
+  for (const auto& [name, handle] : roots) EXPECT_EQ(data::Registry::ObterHandleChavePrincipal(name), handle);
+  settings.subkeys[R"(SOFTWARE\Ambrell)"] = {"Contabilidade", "Sarvat"};
+  EXPECT_EQ(registry.Enumerar_Chaves(R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell)").size(), 2U);
+  EXPECT_TRUE(registry.Enumerar_Chaves("nada").empty());
 }
 
-TEST_F(RegistryTest, TheShadowFileWinsOverTheRegistryExceptForUserSettings) {
-  settings.registry = {{R"(SOFTWARE\Ambrell\Contabilidade:Armazem)", " 1 "}};
-  EXPECT_EQ(registry.ObterValorString(kKey, "Armazem"), Value("1"));
-  settings.files[kShadow] = std::string("lixo\r\nhkey_local_machine\\software\\ambrell\\contabilidade:ARMAZEM=2\r\n") +
-                            kKey + ":Templates=C:\\Modelos \xE7\xE3o";
-  EXPECT_EQ(registry.ObterValorString(kKey, "Armazem"), Value("2"));
-  EXPECT_EQ(registry.ObterValorString(kKey, "Armazem", Value::Null(), true), Value("1"));
-  EXPECT_EQ(registry.ObterValorString(kKey, "Templates"), Value("C:\\Modelos ção")) << "no line end, ANSI bytes";
-  EXPECT_EQ(registry.ObterValorString(kKey, "Templ"), Value("tes=C:\\Modelos ção")) << "a longer name matches too";
+TEST_F(RegistryTest, TheShadowFileIsReadAsFarAsItMakesSense) {
+  using namespace std::string_literals;
+  const std::string entry = std::string(kKey) + ":Armazem";
+  const struct {
+    std::string bytes;
+    Value value;
+  } cases[] = {
+      {"", "do registo"},
+      {"\n\r\r\n\n", "do registo"},
+      {entry, "do registo"},
+      {entry + "=", "do registo"},
+      {entry + "=2", "2"},
+      {entry + "=2\r\r\n", "2\r"},
+      {entry + "=2\n" + entry + "=3\n", "2"},
+      {entry + "s=3\r\n", "=3"},  // a longer name matches too
+      {"\0\0\0"s + entry + "=2\r\n", "do registo"},
+      {"\xEF\xBB\xBF" + entry + "=2\r\n", "do registo"},
+      {entry + "=\x80\x81\x8D\xFF", "€\xC2\x81\xC2\x8Dÿ"},
+      {std::string(100000, '\xE7') + "\r\n" + entry + "=2", "2"},
+  };
+  settings.registry[R"(SOFTWARE\Ambrell\Contabilidade:Armazem)"] = "do registo";
+  for (const auto& [bytes, value] : cases) {
+    settings.files[kShadow] = bytes;
+    EXPECT_EQ(registry.ObterValorString(kKey, "Armazem"), value) << bytes.substr(0, 80);
+    EXPECT_EQ(registry.ObterValorString(kKey, "Armazem", Value::Null(), true), Value("do registo"));
+  }
+  settings.files[kShadow] = "HKEY_CURRENT_USER\\Software\\X:Y=z\r\n";
   EXPECT_EQ(registry.ObterValorString(R"(HKEY_CURRENT_USER\Software\X)", "Y", "d"), Value::Null());
+  settings.registry[R"(SOFTWARE\Ambrell\Contabilidade:Longo)"] = std::string(3500, 'x');
+  EXPECT_EQ(registry.ValorString(kKey, "Longo"), Value::Null());
+  settings.registry[R"(SOFTWARE\Ambrell\Contabilidade:Longo)"] = std::string(3499, 'x');
+  EXPECT_EQ(registry.ValorString(kKey, "Longo"), Value(std::string(3499, 'x')));
 }
 
 TEST_F(RegistryTest, ADefaultThatWasUsedIsRecordedUnderTheEndOfTheReferences) {
@@ -92,16 +121,6 @@ TEST_F(RegistryTest, WhatALineCannotHoldChangesAndAddsNoEntries) {
   registry.DefinirValorShadow("b", "y", "2");
   EXPECT_EQ(settings.files[kShadow], "a:x=1\n" + std::string(kKey) + ":Pasta=\xE7\xE3o\r\nsem fim \x90\r\nb:y=2\r\n")
       << "the other lines keep their bytes";
-}
-
-TEST_F(RegistryTest, ReferencesAreFollowedAndACycleCountsAsMissing) {
-  settings.registry = {{R"(SOFTWARE\A:v)", R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\B)"},
-                       {R"(SOFTWARE\B:v)", R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\C)"},
-                       {R"(SOFTWARE\C:v)", "fim"}};
-  EXPECT_EQ(registry.ObterValorString(R"(HKEY_LOCAL_MACHINE\SOFTWARE\A)", "v"), Value("fim"));
-  settings.registry[R"(SOFTWARE\C:v)"] = R"(SREF=HKEY_LOCAL_MACHINE\software\a)";
-  settings.registry[R"(software\a:v)"] = R"(SREF=HKEY_LOCAL_MACHINE\SOFTWARE\B)";
-  EXPECT_EQ(registry.ObterValorString(R"(HKEY_LOCAL_MACHINE\SOFTWARE\A)", "v"), Value::Null());
 }
 
 TEST_F(RegistryTest, SupportsLogIsNamedByTheMachineAlone) {

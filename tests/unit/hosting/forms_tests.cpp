@@ -46,56 +46,6 @@ class FormsTest : public testing::Test {
   hosting::Forms forms{host, reporting};
 };
 
-TEST_F(FormsTest, TheHiddenFormLivesFromTheFirstFormUntilAfterTheLast) {
-  EXPECT_FALSE(HiddenFormIsLoaded());
-  const auto first = Open();
-  const auto second = Open();
-  EXPECT_TRUE(HiddenFormIsLoaded());
-  EXPECT_EQ(host.shown.count(forms.main_childs().get()), 0U) << "it stays hidden";
-  first->Unload();
-  host.PassTime();
-  EXPECT_TRUE(HiddenFormIsLoaded());
-
-  second->Unload();
-  EXPECT_TRUE(HiddenFormIsLoaded()) << "it goes on a later pass of the message loop";
-  const auto third = Open();
-  host.PassTime();
-  EXPECT_TRUE(HiddenFormIsLoaded()) << "a form was opened meanwhile";
-  third->Unload();
-  host.PassTime();
-  EXPECT_FALSE(HiddenFormIsLoaded());
-  EXPECT_TRUE(host.timers.empty());
-  Open();
-  EXPECT_TRUE(HiddenFormIsLoaded());
-}
-
-TEST_F(FormsTest, UnloadingTheHiddenFormLeavesTheOthersOpen) {
-  const auto form = Open();
-  forms.main_childs()->Killme.set_enabled(true);
-  forms.main_childs()->Killme.set_enabled(true);
-  host.PassTime();
-  EXPECT_FALSE(HiddenFormIsLoaded());
-  EXPECT_TRUE(host.timers.empty()) << "it fires once";
-  EXPECT_TRUE(form->loaded());
-  EXPECT_EQ(host.shown.count(form.get()), 1U);
-}
-
-TEST_F(FormsTest, WithoutATimerTheHiddenFormClosesAtOnce) {
-  FaultPlan no_timer{.fail_at = 0, .fault = Fault::kFailsForGood};
-  const auto form = Open();
-  host.faults = &no_timer;
-  EXPECT_TRUE(form->Unload());
-  EXPECT_FALSE(form->loaded());
-  EXPECT_FALSE(HiddenFormIsLoaded());
-  ASSERT_EQ(reporting.reports.size(), 1U);
-  EXPECT_EQ(reporting.reports[0], (ports::ErrorReport{"Programa de Contabilidade", "Quenta_Produtos", "frmMainChilds",
-                                                      "Killme_Timer", "Injected failure"}));
-  host.faults = nullptr;
-  Open()->Unload();
-  host.PassTime();
-  EXPECT_FALSE(HiddenFormIsLoaded()) << "the next time as ever";
-}
-
 TEST_F(FormsTest, AClosingThatWasPutOffIsNotDroppedInSilence) {
   const auto form = Open();
   form->cannot_close = true;
