@@ -16,6 +16,7 @@ class FieldObject final : public Automation<FieldObject> {
     static constexpr Member<FieldObject> kMembers[] = {
         {L"Value", DISPID_VALUE, kProperty, {}, &FieldObject::GetValue},
         {L"Name", 0x44C, kProperty, {}, &FieldObject::GetName},
+        {L"DefinedSize", 0x44F, kProperty, {}, &FieldObject::GetDefinedSize},
     };
     return kMembers;
   }
@@ -35,6 +36,9 @@ class FieldObject final : public Automation<FieldObject> {
     return platform::ToVariant(recordset_->CurrentValue(column_));
   }
   Variant GetName(const Arguments&) { return Variant(Rows().columns()[column_]); }
+  Variant GetDefinedSize(const Arguments&) {
+    return LongPointerResult(static_cast<std::intptr_t>(Rows().sizes().at(column_)));
+  }
 
   ComPtr<RecordsetObject> recordset_;
   std::size_t column_;

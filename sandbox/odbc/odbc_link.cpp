@@ -182,7 +182,43 @@ SqlType DescribedType(const Statement& statement, SQLUSMALLINT column) {
     type.precision = NumberAttribute(statement, column, SQL_DESC_PRECISION);
     type.scale = NumberAttribute(statement, column, SQL_DESC_SCALE);
   }
+  if (type.is_text() && !type.is_large_text()) {
+    constexpr int kLongest = 8000;
+    const int length = NumberAttribute(statement, column, SQL_DESC_LENGTH);
+    type.size = length > kLongest ? 0 : std::max(0, length);
+  }
   return type;
+}
+
+// What the provider calls a column's defined size.
+std::size_t DefinedSize(const SqlType& type) {
+  switch (type.kind) {
+    case SqlKind::kTinyInt:
+      return 1;
+    case SqlKind::kBit:
+    case SqlKind::kSmallInt:
+      return 2;
+    case SqlKind::kNone:
+    case SqlKind::kInt:
+    case SqlKind::kReal:
+      return 4;
+    case SqlKind::kBigInt:
+    case SqlKind::kFloat:
+    case SqlKind::kMoney:
+    case SqlKind::kSmallMoney:
+      return 8;
+    case SqlKind::kDateTime:
+    case SqlKind::kSmallDateTime:
+      return 16;
+    case SqlKind::kDecimal:
+      return 19;
+    default:
+      break;
+  }
+  constexpr std::size_t kLongText = 2147483647;
+  constexpr std::size_t kLongNationalText = 1073741823;
+  if (type.size > 0 && !type.is_large_text()) return static_cast<std::size_t>(type.size);
+  return type.is_national() ? kLongNationalText : kLongText;
 }
 
 // A floating-point value as the driver holds it: its text may have lost digits.
@@ -292,11 +328,13 @@ ports::RowSet OdbcLink::Run(const std::string& sql, const std::vector<ResultColu
 
   std::vector<SqlType> types;
   std::vector<std::string> names;
+  std::vector<std::size_t> sizes;
   for (SQLUSMALLINT column = 1; column <= static_cast<SQLUSMALLINT>(count); ++column) {
     types.push_back(columns ? columns->at(column - 1u).type : DescribedType(statement, column));
     names.push_back(columns ? columns->at(column - 1u).name : TextAttribute(statement, column, SQL_DESC_LABEL));
+    sizes.push_back(DefinedSize(types.back()));
   }
-  ports::RowSet rows(std::move(names));
+  ports::RowSet rows(std::move(names), std::move(sizes));
   while (statement.Fetch()) {
     for (SQLUSMALLINT column = 1; column <= static_cast<SQLUSMALLINT>(count); ++column) {
       const SqlType& type = types[column - 1u];

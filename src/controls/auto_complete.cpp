@@ -24,12 +24,13 @@ void AutoCompletarCombo(ComboBox& box, int& key) {
   if (selection.start + selection.length < search.size()) return;
   search.resize(std::min(selection.start, search.size()));
   search += static_cast<char16_t>(key);
-  if (box.max_length != 0 && search.size() > box.max_length) return;
+  const std::size_t longest = box.max_length();
+  if (longest != 0 && search.size() > longest) return;
 
   const std::string search_text = base::FromUtf16(search);
   box.ShowDropDown();
   const int found = box.FindString(search_text);
-  if (found >= 0) {
+  if (found >= 0 && (longest == 0 || base::Utf16Length(box.List(found)) <= longest)) {
     box.SetListIndex(found);
     box.Select({search.size(), base::Utf16Length(box.text()) - search.size()});
   } else {

@@ -92,6 +92,12 @@ void ComboBox::set_locked(bool locked) {
   Changed(Aspect::kLocked);
 }
 
+void ComboBox::set_max_length(std::size_t units) {
+  if (max_length_ == units) return;
+  max_length_ = units;
+  Changed(Aspect::kMaxLength);
+}
+
 void ComboBox::Select(TextRange range) {
   selection_ = range;
   Changed(Aspect::kCaret);
@@ -117,6 +123,9 @@ void ComboBox::Typed(std::string text) {
 
 void ComboBox::Chosen(int index) {
   TakeIndex(index);
+  if (style_ == Style::kEditable && max_length_ != 0 && base::Utf16Length(text_) > max_length_) {
+    set_text(base::FromUtf16(base::ToUtf16(text_).substr(0, max_length_)));
+  }
   if (on_click) on_click();
 }
 

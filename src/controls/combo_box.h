@@ -54,10 +54,13 @@ class ComboBox final : public Control {
   bool locked() const noexcept { return locked_; }
   void set_locked(bool locked);
 
+  // How much the user can enter into an editable box, in UTF-16 units; 0 is no limit. What is longer already stays.
+  std::size_t max_length() const noexcept { return max_length_; }
+  void set_max_length(std::size_t units);
+
   // Properties of the box's design, set before there is a window.
-  bool holds_text = false;     // the record keeps the text of the entry, not its item data, even where it is a number
-  std::size_t max_length = 0;  // of an editable box, in UTF-16 units; 0 is no limit
-  int drop_down_rows = 15;     // entries visible when dropped down
+  bool holds_text = false;  // the record keeps the text of the entry, not its item data, even where it is a number
+  int drop_down_rows = 15;  // entries visible when dropped down
 
   TextRange selection() const noexcept { return selection_; }
   void Select(TextRange range);
@@ -74,7 +77,7 @@ class ComboBox final : public Control {
   std::function<void()> on_click;   // the user chose an entry
 
   void Typed(std::string text);
-  // The user chose an entry (-1: none).
+  // The user chose an entry (-1: none). Of one that is longer than the box takes, the beginning enters as if typed.
   void Chosen(int index);
 
  private:
@@ -92,6 +95,7 @@ class ComboBox final : public Control {
   int list_index_ = -1;
   std::string text_;
   bool locked_ = false;
+  std::size_t max_length_ = 0;
   int updating_ = 0;
   bool items_changed_ = false;
   TextRange selection_;

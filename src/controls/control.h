@@ -38,7 +38,8 @@ enum class Aspect {
   kValue,
   kCaption,
   kButtons,
-  kDropDown
+  kDropDown,
+  kMaxLength
 };
 
 // The window side of a form, as its controls see it.

@@ -17,6 +17,12 @@ void TextField::set_locked(bool locked) {
   Changed(Aspect::kLocked);
 }
 
+void TextField::set_max_length(std::size_t units) {
+  if (max_length_ == units) return;
+  max_length_ = units;
+  Changed(Aspect::kMaxLength);
+}
+
 void TextField::Select(TextRange range) {
   selection_ = range;
   Changed(Aspect::kCaret);

@@ -24,10 +24,13 @@ class TextField final : public Control {
   bool locked() const noexcept { return locked_; }
   void set_locked(bool locked);
 
+  // How much the user can enter, in UTF-16 units; 0 is no limit. What is longer already stays as it is.
+  std::size_t max_length() const noexcept { return max_length_; }
+  void set_max_length(std::size_t units);
+
   // Properties of the field's design, set before there is a window.
   bool multi_line = false;
   bool right_aligned = false;  // as numbers stand: the decimal key of the numeric pad types the user's separator there
-  std::size_t max_length = 0;  // in UTF-16 units; 0 is no limit
 
   // The selection in UTF-16 units. The window asks for it when told Aspect::kCaret, and keeps it up to date while the
   // field has the focus.
@@ -53,6 +56,7 @@ class TextField final : public Control {
   std::string text_;
   std::string tag_;
   bool locked_ = false;
+  std::size_t max_length_ = 0;
   TextRange selection_;
 
   // At the beginning of a command: what the user had in the field, and what leaving it has made of that.

@@ -31,10 +31,10 @@ bool Forms::Busy() const noexcept {
          std::any_of(forms_.begin(), forms_.end(), [](const controls::Form* form) { return form->in_operation(); });
 }
 
-ExclusiveUse::ExclusiveUse(Forms& forms, controls::Form& user) : forms_(forms) {
+ExclusiveUse::ExclusiveUse(Forms& forms, const controls::Form* user) : forms_(forms) {
   ++forms_.exclusive_uses_;
   for (controls::Form* form : forms_.all()) {
-    if (form == &user || !form->enabled()) continue;
+    if (form == user || !form->enabled()) continue;
     form->set_enabled(false);
     disabled_.push_back(form);
   }

@@ -46,12 +46,16 @@ class Forms {
 // transaction open or runs for long, and what it asks or shows meanwhile lets the user reach them.
 class ExclusiveUse {
  public:
-  ExclusiveUse(Forms& forms, controls::Form& user);
+  ExclusiveUse(Forms& forms, controls::Form& user) : ExclusiveUse(forms, &user) {}
+  // Of no form: none of them takes input.
+  explicit ExclusiveUse(Forms& forms) : ExclusiveUse(forms, nullptr) {}
   ~ExclusiveUse();
   ExclusiveUse(const ExclusiveUse&) = delete;
   ExclusiveUse& operator=(const ExclusiveUse&) = delete;
 
  private:
+  ExclusiveUse(Forms& forms, const controls::Form* user);
+
   Forms& forms_;
   std::vector<controls::Form*> disabled_;
 };

@@ -34,6 +34,13 @@ std::size_t RowSet::Column(std::string_view name) const {
   return *position;
 }
 
+std::size_t RowSet::TextSize(std::string_view column) const {
+  constexpr std::size_t kLongest = 8000;  // columns of long texts report numbers far beyond
+  const auto position = FindColumn(column);
+  if (!position || *position >= sizes_.size() || sizes_[*position] > kLongest) return 0;
+  return sizes_[*position];
+}
+
 std::vector<std::size_t> RowSet::Columns(std::span<const char* const> names) const {
   std::vector<std::size_t> positions;
   positions.reserve(names.size());

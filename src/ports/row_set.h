@@ -49,9 +49,16 @@ class RowSet {
   };
 
   RowSet() = default;
-  explicit RowSet(std::vector<std::string> columns) : columns_(std::move(columns)) {}
+  // The sizes are the columns' own, as the database defines them: characters of a text column, bytes of others. Those
+  // that are left out are not known.
+  explicit RowSet(std::vector<std::string> columns, std::vector<std::size_t> sizes = {})
+      : columns_(std::move(columns)), sizes_(std::move(sizes)) {}
 
   const std::vector<std::string>& columns() const noexcept { return columns_; }
+  const std::vector<std::size_t>& sizes() const noexcept { return sizes_; }
+  // How many characters a text column takes; 0 where that is not known, where the column's texts are of any length, and
+  // where there is no such column.
+  std::size_t TextSize(std::string_view column) const;
   // Position of the column, found as Row::operator[] finds it.
   std::optional<std::size_t> FindColumn(std::string_view name) const;
   // The same, for lists of many rows: Error 3265 when the result has no such column.
@@ -74,6 +81,7 @@ class RowSet {
 
  private:
   std::vector<std::string> columns_;
+  std::vector<std::size_t> sizes_;
   std::vector<base::Value> cells_;
 };
 

@@ -139,8 +139,23 @@ void frmMain::FXMarca_GotFocus() {
   });
 }
 
+// A text field takes what its column takes, as soon as a result has said how much that is.
+void frmMain::TakeLimits(const ports::RowSet& products) {
+  const auto limit = [&](auto& field, const char* column) {
+    if (products.FindColumn(column)) field.set_max_length(products.TextSize(column));
+  };
+  limit(FXCodigo, "codigo");
+  limit(FXNome, "nome");
+  limit(FXMarca, "marca");
+  limit(FXCor, "cor");
+  limit(FXTamanho, "tamanho");
+  limit(FXObs, "obs");
+  limit(FXIVA_Descrit, "iva_descrit");
+}
+
 // Offers other entries and leaves what the user has typed.
 void frmMain::RefillNames(controls::ComboBox& box, const ports::RowSet& rows, const char* column) {
+  TakeLimits(rows);
   const controls::ComboBox::Update update(box);
   box.Clear();
   for (const ports::Row row : rows) {

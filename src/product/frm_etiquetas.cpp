@@ -52,8 +52,8 @@ void frmEtiquetas::LayOut() {
   }
   FXQuantidade.right_aligned = true;
   FXPosicao.right_aligned = true;
-  FXQuantidade.max_length = 4;
-  FXPosicao.max_length = 4;
+  FXQuantidade.set_max_length(4);
+  FXPosicao.set_max_length(4);
   Frame1.rows = {{{{&Option1, nullptr, 12}}},
                  {{{&Option2, nullptr, 12}}},
                  {{{&FXQuantidade, &FXQuantidade_Label, 6}, {&FXPosicao, &FXPosicao_Label, 6}}}};

@@ -257,6 +257,7 @@ class frmMain final : public controls::Form, public ports::ProductForm {
   void FXFamilia_ID_LostFocus();
   void FXNome_GotFocus();
   void FXMarca_GotFocus();
+  void TakeLimits(const ports::RowSet& products);
   void RefillNames(controls::ComboBox& box, const ports::RowSet& rows, const char* column);
 
   // prices.cpp

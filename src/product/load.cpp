@@ -106,6 +106,7 @@ void frmMain::ClearRecord() {
 bool frmMain::LoadProduct() {
   const ports::RowSet products =
       session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + base::DecimalText(produto_id_));
+  TakeLimits(products);
   if (products.empty()) return false;
   ShowRecord(products.front());
   return true;

@@ -36,6 +36,7 @@ bool frmMain::Fill_Precos() {
         "SELECT tbProdutos_Precos.*, tbProdutos_Precos_Tipos.descrit as tipo FROM tbProdutos_Precos LEFT JOIN "
         "tbProdutos_Precos_Tipos ON tbProdutos_Precos.tipo_id = tbProdutos_Precos_Tipos.tipo_id WHERE produto_id = " +
         base::DecimalText(produto_id_) + " ORDER BY tbProdutos_Precos_Tipos.descrit");
+    TakeLimits(lines);
     if (lines.empty()) return true;
     const std::size_t tipo_id = lines.Column("tipo_id");
     const std::size_t tipo = lines.Column("tipo");

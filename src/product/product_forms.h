@@ -17,7 +17,12 @@ class ProductForms final : public ports::ProductForms {
       : session_(session),
         form_host_(form_host),
         forms_(form_host, session.ports().error_reporting),
-        make_generator_(make_generator) {}
+        make_generator_(make_generator) {
+    session_.hold_input = [this] { return std::make_shared<hosting::ExclusiveUse>(forms_); };
+  }
+  ~ProductForms() override { session_.hold_input = nullptr; }
+  ProductForms(const ProductForms&) = delete;
+  ProductForms& operator=(const ProductForms&) = delete;
 
   std::shared_ptr<ports::ProductForm> Create() override;
   bool Busy() const override { return forms_.Busy(); }

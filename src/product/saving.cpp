@@ -205,6 +205,7 @@ base::Value frmMain::SaveRelatives() {
   session_.Execute(shared + " WHERE main_id=" + id);
   main_id_.clear();
   const ports::RowSet own = session_.Query("SELECT * FROM tbProdutos WHERE produto_id = " + id);
+  TakeLimits(own);
   if (own.empty() || (base::IsNonZero(own.front()["is_deleted"]) && !deletion_known_)) {
     throw base::Error(base::error_number::kInternal, "The product is not in the database any more.");
   }

@@ -365,16 +365,19 @@ TEST_P(DatabaseContract, EveryColumnTypeComesBackAsItsKindOfValue) {
 }
 
 TEST_P(DatabaseContract, LongTextArrivesWhole) {
-  CreateTable("contract_long (x VARCHAR(MAX), y NVARCHAR(MAX), z TEXT)");
+  CreateTable("contract_long (x VARCHAR(MAX), y NVARCHAR(MAX), z TEXT, v CHAR(5) NULL, w NVARCHAR(4000) NULL)");
   for (const std::size_t length : {255u, 256u, 511u, 512u, 513u, 5000u, 70000u}) {
     std::string text;
     while (text.size() < length) text += "çã" + std::to_string(text.size()) + " ";
     connection_->Execute("DELETE FROM contract_long");
-    connection_->Execute("INSERT INTO contract_long VALUES ('" + text + "', N'" + text + "', '" + text + "')");
+    connection_->Execute("INSERT INTO contract_long (x, y, z) VALUES ('" + text + "', N'" + text + "', '" + text +
+                         "')");
     const RowSet rows = connection_->Query("SELECT * FROM contract_long");
     EXPECT_EQ(rows.front()["x"].text(), text);
     EXPECT_EQ(rows.front()["y"].text(), text);
     EXPECT_EQ(rows.front()["z"].text(), text);
+    for (const char* any_length : {"x", "y", "z"}) EXPECT_EQ(rows.TextSize(any_length), 0u) << any_length;
+    EXPECT_EQ(rows.TextSize("v") + rows.TextSize("w"), 4005u);
   }
 }
 
@@ -460,6 +463,8 @@ TEST_P(DatabaseContract, ResultsKeepColumnsOrderAndNames) {
   const RowSet empty = connection_->Query("SELECT * FROM contract_rows");
   EXPECT_TRUE(empty.empty());
   EXPECT_EQ(empty.columns(), (std::vector<std::string>{"id", "Nome"}));
+  EXPECT_EQ(empty.TextSize("nome"), 20u) << "what the column takes is known without a row";
+  EXPECT_EQ(empty.TextSize("none"), 0u);
 
   const RowSet inserted = connection_->Query("INSERT INTO contract_rows VALUES (3, 'c')");
   EXPECT_TRUE(inserted.columns().empty());

@@ -199,6 +199,14 @@ class NativeDriver final : public Driver,
     return FactsOf(*design_, name);
   }
 
+  std::string OutOfReach() const {
+    std::string names;
+    for (const auto& [name, form] : screen_.Forms()) {
+      if (!form->enabled()) names += ", " + name + " disabled";
+    }
+    return names;
+  }
+
   static std::string Unquoted(const std::string& rest) {
     const bool quoted = rest.size() > 1 && rest.front() == '"' && rest.back() == '"';
     return Unescaped(quoted ? rest.substr(1, rest.size() - 2) : rest);
@@ -239,13 +247,9 @@ class NativeDriver final : public Driver,
     Step given{.verb = "answer", .rest = "ok"};
     const bool cannot_be_shown = !answers_.empty() && answers_.front().rest == kCannotBeShown;
     if (message.buttons != ports::Buttons::kOk || cannot_be_shown) given = NextAnswer("nobody answered");
-    std::string out_of_reach;
-    for (const auto& [name, form] : screen_.Forms()) {
-      if (!form->enabled()) out_of_reach += ", " + name + " disabled";
-    }
     Tell("box " + Quoted(message.title) + " " + kIcons[static_cast<int>(message.icon)] + ", " +
          kButtons[static_cast<int>(message.buttons)] + (message.system_modal ? ", system-modal" : "") + ", over " +
-         screen_.NameOf(over) + (screen_.IsTopmost(over) ? " topmost" : "") + out_of_reach + ": " +
+         screen_.NameOf(over) + (screen_.IsTopmost(over) ? " topmost" : "") + OutOfReach() + ": " +
          Quoted(message.text) + " -> " + given.rest);
     if (cannot_be_shown) throw base::Error(base::error_number::kOutOfMemory, "No box");
     for (const Step& step : given.inside) Do(step);
@@ -287,7 +291,9 @@ class NativeDriver final : public Driver,
          " | " + Escaped(report.description));
     return true;
   }
-  void SQLReconnectShow(controls::Form* form) noexcept override { Tell("reconnect show over " + screen_.NameOf(form)); }
+  void SQLReconnectShow(controls::Form* form) noexcept override {
+    Tell("reconnect show over " + screen_.NameOf(form) + OutOfReach());
+  }
   void SQLReconnectShutdown(controls::Form* form) noexcept override {
     Tell("reconnect shutdown over " + screen_.NameOf(form));
   }

@@ -81,11 +81,11 @@ struct Edited {
   explicit Edited(Control& control) {
     if (control.kind() == ControlKind::kTextField) {
       auto& field = static_cast<TextField&>(control);
-      *this = Edited(field, field.locked(), field.max_length);
+      *this = Edited(field, field.locked(), field.max_length());
     } else if (control.kind() == ControlKind::kComboBox &&
                static_cast<ComboBox&>(control).style() == ComboBox::Style::kEditable) {
       auto& box = static_cast<ComboBox&>(control);
-      *this = Edited(box, box.locked(), box.max_length);
+      *this = Edited(box, box.locked(), box.max_length());
     } else if (control.kind() == ControlKind::kMaskEdit) {
       auto& field = static_cast<MaskEdit&>(control);
       text = base::ToUtf16(field.text());
@@ -104,9 +104,11 @@ struct Edited {
     selection.start = std::min(selection.start, text.size());
     selection.length = std::min(selection.length, text.size() - selection.start);
   }
-  // Puts this in the place of what is selected.
-  void Replace(const std::u16string& by) {
-    if (locked || (max_length != 0 && text.size() - selection.length + by.size() > max_length)) return;
+  // Puts this in the place of what is selected, as much of it as there is room for.
+  void Replace(std::u16string by) {
+    const std::size_t others = text.size() - selection.length;
+    if (max_length != 0 && others + by.size() > max_length) by.resize(max_length > others ? max_length - others : 0);
+    if (locked || (by.empty() && selection.length == 0)) return;
     text.replace(selection.start, selection.length, by);
     change(base::FromUtf16(text), {selection.start + by.size(), 0});
   }

@@ -129,6 +129,8 @@ class Keeper {
   bool Reconnect(std::string& result) {
     ports::ErrorReporting& reporting = session_.ports().error_reporting;
     controls::Form* const form = check_.form == nullptr ? nullptr : check_.form->Form();
+    // The waits below let the user go on: nothing may begin on a line that is just being opened.
+    const std::shared_ptr<void> no_input = session_.hold_input ? session_.hold_input() : nullptr;
     if (check_.minimise && check_.form != nullptr) {
       check_.form->Refresh();
       check_.form->SetWindowState(kMinimised);

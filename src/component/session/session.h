@@ -1,6 +1,7 @@
 // The session of one loaded component: who is connected to what, and the one connection on which every query runs.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -66,6 +67,8 @@ class Session {
   std::string shared_connection_string;
   // Set by the reconnect protocol to end a wait for the connection; cleared before every wait.
   bool cancel_reconnect = false;
+  // Takes all input from the component's forms as long as what it makes lives; set by whoever has the forms.
+  std::function<std::shared_ptr<void>()> hold_input;
   // True while an operation of ours has a transaction open (transaction.h).
   bool transaction_held = false;
   // Codes of the policies that a user holds, by user name; filled by loads that completed.

@@ -45,7 +45,7 @@ enum class ConnectionMember {
 };
 enum class RecordsetMember { kClose, kEof, kFields, kGetRows, kRecordCount, kState };
 enum class CollectionMember { kCount, kItem };
-enum class FieldMember { kName };
+enum class FieldMember { kDefinedSize, kName };
 enum class ErrorMember { kNumber, kDescription };
 
 // A number of any integer type: which one ADO gives depends on the member and on the width of the process. Throws
@@ -84,7 +84,7 @@ struct AdoMembers {
                                L"RollbackTrans",     L"State"};
   MemberIdentifiers recordset{L"Close", L"EOF", L"Fields", L"GetRows", L"RecordCount", L"State"};
   MemberIdentifiers fields{L"Count", L"Item"};
-  MemberIdentifiers field{L"Name"};
+  MemberIdentifiers field{L"DefinedSize", L"Name"};
   MemberIdentifiers errors{L"Count", L"Item"};
   MemberIdentifiers error{L"Number", L"Description"};
 };
@@ -107,7 +107,7 @@ class Recordset {
 
   ports::RowSet ReadWhole() const {
     if ((LongIn(object_.Get(RecordsetMember::kState)) & kStateOpen) == 0) return {};
-    ports::RowSet rows(ColumnNames());
+    ports::RowSet rows = WithoutRows();
     const auto columns = static_cast<std::int32_t>(rows.columns().size());
     const std::int32_t count = LongIn(object_.Get(RecordsetMember::kRecordCount));
     if (count > 0) rows.Reserve(static_cast<std::size_t>(count));  // -1 where the cursor does not know
@@ -121,17 +121,21 @@ class Recordset {
   }
 
  private:
-  std::vector<std::string> ColumnNames() const {
+  ports::RowSet WithoutRows() const {
     const LateBound<CollectionMember> fields(object_.CallForObject(RecordsetMember::kFields), members_.fields);
     const std::int32_t count = LongIn(fields.Get(CollectionMember::kCount));
     std::vector<std::string> names;
+    std::vector<std::size_t> sizes;
     names.reserve(static_cast<std::size_t>(count));
+    sizes.reserve(static_cast<std::size_t>(count));
     for (std::int32_t i = 0; i < count; ++i) {
       const Variant index(i);
       const LateBound<FieldMember> field(fields.CallForObject(CollectionMember::kItem, {index.Get()}), members_.field);
       names.push_back(TextIn(field.Get(FieldMember::kName)));
+      // Less than 0 stands for a size that is not known.
+      sizes.push_back(static_cast<std::size_t>(std::max(0, LongIn(field.Get(FieldMember::kDefinedSize)))));
     }
-    return names;
+    return ports::RowSet(std::move(names), std::move(sizes));
   }
 
   // The array's first dimension is the column, so that its elements lie row after row, as a RowSet wants them.

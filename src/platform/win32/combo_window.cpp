@@ -32,7 +32,7 @@ class ComboWindow final : public ControlWindow {
     if (editable) {
       edit_ = info.hwndItem;
       Watch(edit_);
-      Send(CB_LIMITTEXT, combo_.max_length);
+      ModelChanged(Aspect::kMaxLength);
     }
     Send(CB_SETMINVISIBLE, static_cast<WPARAM>(combo_.drop_down_rows));
     ModelChanged(Aspect::kItems);
@@ -59,6 +59,9 @@ class ComboWindow final : public ControlWindow {
         break;
       case Aspect::kLocked:
         if (edit_ != nullptr) SendMessageW(edit_, EM_SETREADONLY, combo_.locked() ? TRUE : FALSE, 0);
+        break;
+      case Aspect::kMaxLength:
+        if (edit_ != nullptr) Send(CB_LIMITTEXT, combo_.max_length());
         break;
       case Aspect::kDropDown:
         DropDown();

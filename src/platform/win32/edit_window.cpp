@@ -63,13 +63,15 @@ class TextFieldWindow final : public EditWindow {
     style |= field_.multi_line ? ES_MULTILINE | ES_WANTRETURN | ES_AUTOVSCROLL | WS_VSCROLL : ES_AUTOHSCROLL;
     if (field_.locked()) style |= ES_READONLY;
     CreateControl(parent, L"EDIT", {}, style, WS_EX_CLIENTEDGE);
-    Send(EM_SETLIMITTEXT, field_.max_length);
+    ModelChanged(Aspect::kMaxLength);
     ModelChanged(Aspect::kText);
   }
 
   void ModelChanged(Aspect aspect) override {
     if (aspect == Aspect::kLocked) {
       Send(EM_SETREADONLY, field_.locked() ? TRUE : FALSE);
+    } else if (aspect == Aspect::kMaxLength) {
+      Send(EM_SETLIMITTEXT, field_.max_length());
     } else {
       EditWindow::ModelChanged(aspect);
     }

@@ -74,9 +74,10 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
       return 0;
     case WM_SETCURSOR:
       // What Windows makes of a click on a disabled window.
-      if (static_cast<SHORT>(LOWORD(lparam)) == HTERROR && HIWORD(lparam) == WM_LBUTTONDOWN &&
-          BringDialogToFront(true)) {
-        return TRUE;
+      if (static_cast<SHORT>(LOWORD(lparam)) == HTERROR && HIWORD(lparam) == WM_LBUTTONDOWN) {
+        if (BringDialogToFront(true)) return TRUE;
+        const DWORD at = GetMessagePos();
+        if (DefWindowProcW(window_, WM_NCHITTEST, 0, static_cast<LPARAM>(at)) == HTCLOSE) RequestClose();
       }
       if (form_->mouse_pointer() == controls::MousePointer::kHourglass) {
         SetCursor(LoadCursorW(nullptr, IDC_WAIT));

@@ -219,8 +219,11 @@ void FormWindow::Destroy() noexcept {
 }
 
 void FormWindow::RequestClose() noexcept {
-  if (!IsWindowEnabled(window_)) return;
-  Command([this] { form_->Unload(); });
+  if (IsWindowEnabled(window_)) {
+    Command([this] { form_->Unload(); });
+  } else if (form_->in_operation()) {
+    Event([this] { form_->Unload(); });  // is put off until the operation has ended
+  }
 }
 
 void FormWindow::Detach() noexcept {

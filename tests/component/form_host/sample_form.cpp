@@ -11,7 +11,7 @@ SampleForm::SampleForm(ports::FormHost& form_host) : Form(form_host, "frmAmostra
   set_caption("Produto A10-AZ-M");
   FXValor.right_aligned = true;
   FXObs.multi_line = true;
-  FXCodigo.max_length = 20;
+  FXCodigo.set_max_length(20);
   ListView13.multi_select = true;
   ListView13.sortable = true;
   for (controls::Control* control : std::initializer_list<controls::Control*>{&Toolbar1,

@@ -69,7 +69,7 @@ TEST_F(AutoCompleteTest, TheFirstEntryThatBeginsWithWhatWasTypedIsProposed) {
 }
 
 TEST_F(AutoCompleteTest, ElsewhereTheKeyPassesAndTheBoxStays) {
-  box.max_length = 6;
+  box.set_max_length(6);
   const struct {
     const char* before;
     int key;
@@ -84,6 +84,9 @@ TEST_F(AutoCompleteTest, ElsewhereTheKeyPassesAndTheBoxStays) {
     EXPECT_EQ(key, c.key) << c.before;
     EXPECT_EQ(Shown(box), c.before) << c.key;
   }
+  box.set_max_length(4);
+  box.Chosen(0);
+  EXPECT_EQ(box.text(), box.List(0).substr(0, 4)) << "of a longer entry what its column takes";
 }
 
 TEST_F(AutoCompleteTest, ALetterBeyondTheBasicPlaneComesInTwoUnits) {
