@@ -1,7 +1,10 @@
 #include "controls/list_view.h"
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "base/error.h"
-#include "base/value.h"
 #include "gtest/gtest.h"
 #include "support/locales.h"
 
@@ -68,31 +71,6 @@ TEST(ListViewSort, ColumnsSortByWhatTheyHold) {
   }
 }
 
-// What the cells show is rounded and shortened, and may be read otherwise in the user's notation.
-TEST(ListViewSort, ValuesBehindTheCellsDecide) {
-  using base::Value;
-  const struct {
-    SortAs kind;
-    std::vector<Value> values;
-    const char* ascending;
-  } cases[] = {
-      {SortAs::kDate,
-       {base::Date{46054.75}, base::Date{46054.25}, Value::Null(), base::Date{46025}, base::Date{-1.75},
-        base::Date{-1.25}},
-       "3|6|5|4|2|1"},
-      {SortAs::kNumber, {1.004, base::Currency{10030}, Value::Null(), -7}, "3|4|2|1"},
-  };
-  for (const auto& c : cases) {
-    ListView list("Lista", {{"Coluna", 100, false, c.kind}});
-    for (const Value& value : c.values) {
-      const std::string number = std::to_string(list.Count() + 1);
-      list.Add("#" + number, number).values = {value};
-    }
-    list.Sort({0, false}, EnglishLocale());
-    EXPECT_EQ(FirstColumn(list), c.ascending);
-  }
-}
-
 TEST(ListViewSort, EqualRowsStayAndSelectionMarksAndKeysGoWithTheirRows) {
   ListView list("Lista", {{"Nome"}, {"Grupo"}});
   list.multi_select = true;
@@ -126,19 +104,6 @@ TEST(ListView, TheSelectionStaysWithItsRowWhenOthersGo) {
   EXPECT_THROW(list.Item("#3"), base::Error);
   list.Add("#3", "c");
   EXPECT_THROW(list.Add("#3", "c"), base::Error);
-}
-
-TEST(ListView, MarkedRowsAreCopiedAsTextThatASpreadsheetTakes) {
-  ListView list("Lista", {{"Nome"}, {"Nota"}});
-  for (const char* key : {"#1", "#2", "#3"}) list.Add(key, key).sub_items = {"a\tb\r\nc", "não se vê"};
-  list.Select(1);
-  list.MarkAll();
-  EXPECT_EQ(list.MarkedText(), "#2\ta b  c\r\n") << "the selected row where only one can be";
-  list.multi_select = true;
-  list.Marked(2, 7, true);
-  EXPECT_EQ(list.MarkedRows(), std::vector<int>{2});
-  list.Select(0);
-  EXPECT_EQ(list.MarkedRows(), std::vector<int>{0}) << "what code selects is the only one";
 }
 
 // A view that hears of the selection before it knows of the row cannot bring it into view.
