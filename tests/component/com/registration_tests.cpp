@@ -93,17 +93,15 @@ TEST_F(RegistrationTest, RemovesItsOwnKeysAndNothingElse) {
   Write(L"CLSID\\{00000000-0000-0000-0000-000000000001}", L"", L"somebody else's");
   const RegistrySnapshot before = Snapshot();
   ASSERT_EQ(WriteEntries(place, entries), ERROR_SUCCESS);
-  ASSERT_EQ(RemoveEntries(place, entries), ERROR_SUCCESS);
-  EXPECT_EQ(Snapshot(), before);
-  EXPECT_EQ(RemoveEntries(place, entries), ERROR_SUCCESS) << "nothing left to remove is no failure";
-  EXPECT_EQ(Snapshot(), before);
-
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_EQ(RemoveEntries(place, entries), ERROR_SUCCESS) << "nothing left to remove is no failure";
+    EXPECT_EQ(Snapshot(), before);
+  }
   ASSERT_EQ(WriteEntries(place, entries), ERROR_SUCCESS);
   Write(std::wstring(kClass) + L"\\Implemented Categories", L"", L"added by a tool");
   ASSERT_EQ(RemoveEntries(place, entries), ERROR_SUCCESS);
-  const RegistrySnapshot after = Snapshot();
-  EXPECT_EQ(after.count(place.key + L"\\" + kClass + L"\\Implemented Categories:"), 1U);
-  EXPECT_EQ(after.count(place.key + L"\\" + kClass + L"\\InprocServer32"), 0U);
+  EXPECT_EQ(Snapshot().count(place.key + L"\\" + kClass + L"\\Implemented Categories:"), 1U);
+  EXPECT_EQ(Snapshot().count(place.key + L"\\" + kClass + L"\\InprocServer32"), 0U);
 }
 
 TEST_F(RegistrationTest, AFailureHalfWayRestoresWhatWasThere) {

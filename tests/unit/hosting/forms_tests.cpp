@@ -73,7 +73,7 @@ TEST_F(FormsTest, ExclusiveUseDisablesTheOthersAndMakesTimersWait) {
   forms.main_childs()->Killme.set_enabled(true);
   {
     const hosting::ExclusiveUse use(forms, *user);
-    const hosting::ExclusiveUse within(forms, *user);
+    { const hosting::ExclusiveUse within(forms, *user); }
     EXPECT_TRUE(forms.in_exclusive_use());
     EXPECT_TRUE(user->enabled());
     EXPECT_FALSE(other->enabled());
