@@ -17,16 +17,6 @@ using ports::Icon;
 constexpr session::Labels kToolbarLabels{"Programa de Contabilidade", "Quenta_Encomendas", "frmMain",
                                          session::DescriptionStyle::kAlone};
 
-// Loads and shows the generator. A form that cannot be shown lets go of what its load has taken.
-void ShowGenerator(controls::Form& generator) {
-  try {
-    generator.Show();
-  } catch (...) {
-    generator.WindowLost();
-    throw;
-  }
-}
-
 }  // namespace
 
 void frmMain::Fill_Dependentes() {
@@ -57,8 +47,8 @@ void frmMain::Toolbar2_ButtonClick(const std::string& key) {
             .icon = Icon::kInformation});
       return;
     }
-    ShowGenerator(
-        *make_generator_(session_, host(), forms_, std::static_pointer_cast<frmMain>(shared_from_this()), produto_id_));
+    make_generator_(session_, host(), forms_, std::static_pointer_cast<frmMain>(shared_from_this()), produto_id_)
+        ->Show();
   };
   const auto remove = [&] {
     if (!MayDeleteProducts(session_, *this) || ListView3.Count() == 0) return;

@@ -65,13 +65,7 @@ void frmMain::mnStocksPropriedades_Click() {
     const std::int32_t armazem_id = base::ToLong(ListView1.At(ListView1.selected()).key.substr(1), session_.locale());
     const auto stocks = std::make_shared<frmStocks>(session_, host(), forms_,
                                                     std::static_pointer_cast<frmMain>(shared_from_this()), armazem_id);
-    try {
-      stocks->Show();
-    } catch (...) {
-      // A form that cannot be shown gives this one back.
-      stocks->WindowLost();
-      throw;
-    }
+    stocks->Show();
     host().Focus(*stocks, stocks->FXStockMinimo.name().c_str());
   });
 }

@@ -214,7 +214,9 @@ class NativeDriver final : public Driver,
 
   // A document as a program shows it.
   static std::string ContentsOf(const std::string& bytes) {
-    return bytes.starts_with("{\\rtf") ? tests::ReadRichText(bytes).text : bytes;
+    if (!bytes.starts_with("{\\rtf")) return bytes;
+    const tests::RichTextContents contents = tests::ReadRichText(bytes);
+    return (contents.balanced ? "" : "not in balance: ") + contents.text;
   }
 
   // What can be seen of one control, or of the form by its own name, in the middle of something.
