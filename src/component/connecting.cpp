@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "component/session/connection_keeper.h"
 #include "component/session/connection_string.h"
 #include "component/session/scrambler.h"
@@ -106,6 +107,29 @@ bool CredentialsHold(const session::Ports& ports, const std::string& connection_
   return user.IsOpen();
 }
 
+// The same catalogue, with a server in common: mirrors of one database are told by no other sign.
+bool IsSameDatabase(const SessionState& a, const SessionState& b) {
+  const auto has = [](const SessionState& state, const std::string& server) {
+    return !server.empty() && (base::EqualIgnoreCase(state.primary_data_source, server) ||
+                               base::EqualIgnoreCase(state.secondary_data_source, server));
+  };
+  return base::EqualIgnoreCase(a.initial_catalog, b.initial_catalog) &&
+         (has(a, b.primary_data_source) || has(a, b.secondary_data_source));
+}
+
+// Identifiers mean other products in another database: a form that is open would save there what it has read here.
+void RequireNoForms(Component& component, const SessionState& next) {
+  const SessionState& former = component.session().state();
+  if (!former.connected || IsSameDatabase(former, next) || !component.product_forms().AnyLoaded()) return;
+  throw base::Error(base::error_number::kInvalidCall,
+                    "Há fichas abertas de outra base de dados. Feche-as antes de mudar de ligação.");
+}
+
+void Enter(session::Session& session, SessionState next) {
+  if (!IsSameDatabase(session.state(), next)) session.policies.clear();
+  session.state() = std::move(next);
+}
+
 // The shared connection stays what it was until another one is open.
 void OpenSharedConnection(session::Session& session, const std::string& connection_string) {
   std::string scrambled = Scramble(connection_string);
@@ -144,6 +168,7 @@ bool ConnectWithArguments(Component& component, const SQLConnectArguments& argum
   next.primary_data_source = arguments.cnDataSource;
   next.secondary_data_source =
       arguments.cnDataSourceSecondary == arguments.cnDataSource ? std::string() : arguments.cnDataSourceSecondary;
+  RequireNoForms(component, next);
 
   const auto shared_string = [&](const std::string& server) {
     return BuildConnectionString({next.security_info, next.database_user, Unscramble(next.database_password), true,
@@ -169,7 +194,7 @@ bool ConnectWithArguments(Component& component, const SQLConnectArguments& argum
   OpenSharedConnection(
       session, Unscramble(next.on_secondary ? next.secondary_connection_string : next.primary_connection_string));
   next.connected = true;
-  session.state() = std::move(next);
+  Enter(session, std::move(next));
   return true;
 }
 
@@ -199,6 +224,10 @@ bool ConnectWithSettings(Component& component, const std::string& user, const st
     return BuildConnectionString(
         {*security_info, who, Unscramble(scrambled_password), false, *initial_catalog, *data_source});
   };
+  SessionState target;
+  target.initial_catalog = *initial_catalog;
+  target.primary_data_source = *data_source;
+  RequireNoForms(component, target);
   if (!OpensWith(session.ports().database, connection_string(user, password))) return false;
   if (!session::ConnectionAnswers(session)) {
     OpenSharedConnection(session, connection_string(*database_user, *database_password));
@@ -217,7 +246,7 @@ bool ConnectWithSettings(Component& component, const std::string& user, const st
   next.database_password = *database_password;
   next.initial_catalog = *initial_catalog;
   next.primary_data_source = *data_source;
-  session.state() = std::move(next);
+  Enter(session, std::move(next));
   return true;
 }
 

@@ -9,8 +9,8 @@
 namespace quenta::component {
 
 // Both answer true at once while the session is open and its connection answers, and false at once where no connection
-// may be opened: while the other or the same waits, and under a transaction of ours on a dead line. A call that fails
-// or throws leaves session and shared connection as they were.
+// may be opened: while the other or the same waits, and under a transaction of ours on a dead line. Another database is
+// refused while forms are open. A call that fails or throws leaves session and shared connection as they were.
 
 // Races the primary and the secondary server, checks the user's credentials on the winner, and opens the shared
 // connection there. True when the session is open; false when no server answered or the credentials failed. Throws what

@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "controls/control.h"
+#include "controls/item_list.h"
 
 namespace quenta::controls {
 
-class ComboBox final : public Control {
+class ComboBox final : public Control, public ItemList {
  public:
   // kList can only be chosen from; kEditable can be typed into.
   enum class Style { kList, kEditable };
@@ -21,25 +22,14 @@ class ComboBox final : public Control {
   Style style() const noexcept { return style_; }
 
   // Entries. Indexes run from 0; -1 stands for none.
-  void Clear();
-  void AddItem(std::string text);
-  int NewIndex() const noexcept { return static_cast<int>(items_.size()) - 1; }  // of the entry added last
+  void Clear() override;
+  void AddItem(std::string text) override;
+  int NewIndex() const noexcept override { return static_cast<int>(items_.size()) - 1; }
   int ListCount() const noexcept { return static_cast<int>(items_.size()); }
   const std::string& List(int index) const { return items_.at(static_cast<std::size_t>(index)).text; }
   // Nothing where no number was set.
   std::optional<std::int32_t> ItemData(int index) const { return items_.at(static_cast<std::size_t>(index)).data; }
-  void SetItemData(int index, std::int32_t data) { items_.at(static_cast<std::size_t>(index)).data = data; }
-  // While one lives, changes of entries are gathered and told to the view as one at its end.
-  class Update {
-   public:
-    explicit Update(ComboBox& box) noexcept : box_(box) { ++box_.updating_; }
-    ~Update() { box_.EndUpdate(); }
-    Update(const Update&) = delete;
-    Update& operator=(const Update&) = delete;
-
-   private:
-    ComboBox& box_;
-  };
+  void SetItemData(int index, std::int32_t data) override { items_.at(static_cast<std::size_t>(index)).data = data; }
 
   int ListIndex() const noexcept { return list_index_; }
   // Selects an entry and shows its text; -1 clears the selection, and in a kList box the text too.
@@ -87,7 +77,8 @@ class ComboBox final : public Control {
   };
 
   void ItemsChanged() noexcept;
-  void EndUpdate() noexcept;
+  void BeginUpdate() noexcept override { ++updating_; }
+  void EndUpdate() noexcept override;
   void TakeIndex(int index);
 
   Style style_;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/convert.h"
+#include "base/error.h"
 #include "base/format.h"
 #include "base/text.h"
 #include "controls/combo_box.h"
@@ -109,6 +110,12 @@ bool TakeTyped(TextField& field, int code, const Locale& locale) {
 
 }  // namespace
 
+const char* RefusalOf(const Control& control) {
+  return control.kind() == ControlKind::kMaskEdit
+             ? "O valor que introduziu não é uma data válida."
+             : "O número que introduziu é demasiado grande para este campo, que fica com o valor que tinha.";
+}
+
 std::string LocaleDecimal(const Locale& locale) {
   return std::string(base::Trim(locale.decimal).substr(0, 1));
 }
@@ -117,7 +124,12 @@ void FieldGotFocus(Control& control, int code, const Locale& locale) {
   if (control.kind() == ControlKind::kTextField) {
     auto& field = static_cast<TextField&>(control);
     if (IsNumberCode(code)) {
-      ShowRaw(field, code, locale);
+      try {
+        ShowRaw(field, code, locale);
+      } catch (const base::Error&) {
+        field.set_text(field.tag());
+        field.SelectAll();
+      }
     } else if (code == kDate || (code == kText && !field.text().empty())) {
       field.SelectAll();
     }
@@ -130,6 +142,10 @@ void FieldGotFocus(Control& control, int code, const Locale& locale) {
 }
 
 bool FieldLostFocus(Control& control, int code, const Locale& locale) {
+  if (control.kind() == ControlKind::kMaskEdit) {
+    const auto& field = static_cast<const MaskEdit&>(control);
+    return field.shown_date() || field.text() == field.EmptyText() || base::ParseDate(field.text(), locale).has_value();
+  }
   if (control.kind() != ControlKind::kTextField) return true;
   auto& field = static_cast<TextField&>(control);
   if (IsNumberCode(code)) return TakeTyped(field, code, locale);

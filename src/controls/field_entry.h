@@ -11,9 +11,10 @@ namespace quenta::controls {
 // First character of the locale's decimal separator.
 std::string LocaleDecimal(const base::Locale& locale);
 
-// What the user is told when a field does not take a number.
-inline constexpr const char* kNumberTooLarge =
-    "O número que introduziu é demasiado grande para este campo, que fica com o valor que tinha.";
+// What the user is told when a field does not take what was typed.
+const char* RefusalOf(const Control& control);
+
+// Neither routine reports anything, or fails: what cannot be shown as a number is shown as it stands.
 
 // A field gets the focus: a numeric one shows its raw value (percentages times 100), all of it selected. Without a raw
 // value it becomes empty. Code 3 selects the text of a field or an editable box.
@@ -22,8 +23,9 @@ void FieldGotFocus(Control& control, int code, const base::Locale& locale);
 // A field loses the focus: what was typed becomes the raw value (percentages divided by 100) and is shown formatted.
 // What is no number becomes 0; an emptied field changes nothing. Code 10 shows three decimals here, and the plain
 // numbers have no negative part of their own: deliberately unlike ShowFormatted.
-// False when the number is beyond what a column holds: the field then shows its former value, and the user has to be
-// told.
+// A masked field keeps what was typed.
+// False when the number is beyond what a column holds: the field then shows its former value. And when a masked field
+// holds a date that does not exist. The user has to be told (RefusalOf).
 [[nodiscard]] bool FieldLostFocus(Control& control, int code, const base::Locale& locale);
 
 }  // namespace quenta::controls

@@ -109,7 +109,7 @@ void SetCombo(ComboBox& box, const Value& value, const Locale& locale) {
 void SetMask(MaskEdit& field, const Value& value, const Locale& locale) {
   const bool date_mask = std::find(kDateMasks.begin(), kDateMasks.end(), field.mask()) != kDateMasks.end();
   if (date_mask && base::IsDate(value, locale)) {
-    field.set_text(base::Format(value, field.format(), locale));
+    field.ShowDate(base::ToDate(value, locale), base::Format(value, field.format(), locale));
   } else {
     // A value that is no date shows as none.
     field.set_text(field.EmptyText());
@@ -134,8 +134,10 @@ std::string ComboSql(const ComboBox& box) {
   return base::SqlTextLiteral(box.text());
 }
 
+// What the user has typed is read in his own order. The field's format may have another: what it has shown, and nobody
+// has changed, is the date that it was.
 std::string MaskSql(const MaskEdit& field, const Locale& locale) {
-  const auto date = base::ParseDate(field.text(), locale);
+  const auto date = field.shown_date() ? field.shown_date() : base::ParseDate(field.text(), locale);
   return date ? base::SqlDateLiteral(*date, field.mask().find(':') != std::string::npos) : "null";
 }
 

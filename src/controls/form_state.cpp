@@ -96,7 +96,9 @@ Step Remember(Control& control) {
     }
     case ControlKind::kMaskEdit: {
       auto& field = static_cast<MaskEdit&>(control);
-      return [&field, text = field.text()] { field.set_text(text); };
+      return [&field, text = field.text(), date = field.shown_date()] {
+        date ? field.ShowDate(*date, text) : field.set_text(text);
+      };
     }
     case ControlKind::kLabel: {
       auto& label = static_cast<Label&>(control);

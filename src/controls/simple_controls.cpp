@@ -52,7 +52,13 @@ std::string MaskEdit::EmptyText() const {
   return base::ReplaceAll(mask_, "#", std::string(1, prompt_char_));
 }
 
+void MaskEdit::ShowDate(base::Date date, std::string text) {
+  set_text(std::move(text));
+  shown_date_ = date;
+}
+
 void MaskEdit::set_text(std::string text) {
+  shown_date_.reset();
   if (text_ == text) return;
   text_ = std::move(text);
   Changed(Aspect::kText);
@@ -64,6 +70,7 @@ void MaskEdit::SelectAll() {
 
 void MaskEdit::Typed(std::string text) {
   if (text_ == text) return;
+  shown_date_.reset();
   text_ = std::move(text);
   if (on_change) on_change();
 }

@@ -1,6 +1,8 @@
 // The small controls: label, check box, option button, date picker, masked edit, command button, progress bar.
 #pragma once
 
+#include <optional>
+
 #include "base/value.h"
 #include "controls/control.h"
 
@@ -87,6 +89,10 @@ class MaskEdit final : public Control {
 
   const std::string& text() const noexcept { return text_; }
   void set_text(std::string text);
+  // Shows a date, written in the field's own format.
+  void ShowDate(base::Date date, std::string text);
+  // The date that was shown; nothing once something else stands in the field.
+  const std::optional<base::Date>& shown_date() const noexcept { return shown_date_; }
   void SelectAll();
 
   std::function<void()> on_change;
@@ -97,6 +103,7 @@ class MaskEdit final : public Control {
   std::string format_;
   char prompt_char_;
   std::string text_;
+  std::optional<base::Date> shown_date_;
 };
 
 class CommandButton final : public Control {

@@ -24,7 +24,7 @@ std::size_t ExactColumn(const ports::RowSet& rows, const std::string& name) {
 
 }  // namespace
 
-bool ControlFill(session::Session& session, controls::Form& form, controls::ComboBox& control, const std::string& sql,
+bool ControlFill(session::Session& session, controls::Form& form, controls::ItemList& control, const std::string& sql,
                  const std::string& text_column, const std::string& id_column) {
   return session::Guarded(session.ports().error_reporting, kLabels, "ControlFill", [&] {
     EnsureConnection(session, &form);
@@ -33,7 +33,7 @@ bool ControlFill(session::Session& session, controls::Form& form, controls::Comb
     const std::size_t text_at = ExactColumn(rows, text_column);
     const std::size_t id_at = id_column.empty() ? kMissing : ExactColumn(rows, id_column);
     if (text_at == kMissing || (!id_column.empty() && id_at == kMissing)) return false;
-    const controls::ComboBox::Update update(control);
+    const controls::ItemList::Update update(control);
     control.Clear();
     for (std::size_t i = 0; i < rows.size(); ++i) {
       if (rows.Cell(i, text_at).is_null()) continue;

@@ -14,6 +14,10 @@ namespace {
 constexpr session::Labels kLabels{"Torvik Pelora Software", "Ferramentas Administrativas", "modData",
                                   session::DescriptionStyle::kNumbered};
 
+// It has come from another project of the suite.
+constexpr session::Labels kTrtfLabels{"Torvik Pelora Software", "Sinistros_Kinto", "modCode",
+                                      session::DescriptionStyle::kNumbered};
+
 // The number in a text as the user types it: with either separator as the decimal one.
 std::optional<double> LocalNumber(std::string text, const base::Locale& locale) {
   const bool comma = text.find(',') != std::string::npos;
@@ -97,9 +101,9 @@ std::string ListText(const base::Value& value, ListKind kind, const base::Locale
 
 }  // namespace
 
-std::string Trtf(std::string& text) {
-  text = base::SqlSafeText(text);
-  return text;
+std::string Trtf(session::Session& session, std::string& text) {
+  return session::Guarded(session.ports().error_reporting, kTrtfLabels, "Trtf",
+                          [&] { return text = base::SqlSafeText(text); });
 }
 
 std::string SQLField(session::Session& session, const base::Value& value, SQLKind kind) {

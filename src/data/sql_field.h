@@ -39,8 +39,8 @@ enum class ListKind {
 std::string SQLField(session::Session& session, const base::Value& value, SQLKind kind);
 
 // Makes each single quote safe inside a literal, in the argument too: Vinha d'Alho becomes
-// Vinha d' + CHAR(39) + 'Alho.
-std::string Trtf(std::string& text);
+// Vinha d' + CHAR(39) + 'Alho. An error is reported, and the result is empty.
+std::string Trtf(session::Session& session, std::string& text);
 
 // Display text of a column of the row: one blank when there is no such column or its value is Null. An error is
 // reported, and the result is empty.

@@ -11,7 +11,9 @@ namespace quenta::data {
 
 std::optional<std::int32_t> CurrentWarehouse(session::Session& session) {
   Registry registry(session.ports());
-  const base::Value setting = registry.ObterValorString(session.SettingsKey(), "Armazem");
+  const auto key = session.SettingsKey();
+  if (!key) return std::nullopt;
+  const base::Value setting = registry.ObterValorString(*key, "Armazem");
   if (!setting.is_text()) return std::nullopt;
   const std::string text(base::Trim(setting.text()));
   const char* const end = text.data() + text.size();

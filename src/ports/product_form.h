@@ -42,6 +42,8 @@ class ProductForms {
   virtual std::shared_ptr<ProductForm> Create() = 0;
   // True while an operation of a form must not be disturbed: a question that it asks lets the host go on meanwhile.
   virtual bool Busy() const = 0;
+  // True while a form of the component is loaded.
+  virtual bool AnyLoaded() const = 0;
 };
 
 }  // namespace quenta::ports

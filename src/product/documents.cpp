@@ -9,7 +9,9 @@ namespace {
 
 std::string ReadFolderSetting(session::Session& session) {
   data::Registry registry(session.ports());
-  const base::Value folder = registry.ObterValorString(session.SettingsKey(), "Templates");
+  const auto key = session.SettingsKey();
+  if (!key) return {};
+  const base::Value folder = registry.ObterValorString(*key, "Templates");
   return folder.is_text() ? std::string(base::Trim(folder.text())) : std::string();
 }
 

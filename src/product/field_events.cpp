@@ -35,7 +35,7 @@ bool frmMain::IsCommandKey(int key) const {
 // The field is left. False when it does not take what was typed, which the user is told where he can mend it.
 bool frmMain::LeaveField(controls::Control& field, int code) {
   if (controls::FieldLostFocus(field, code, session_.locale())) return true;
-  Tell({.text = controls::kNumberTooLarge, .icon = ports::Icon::kInformation});
+  Tell({.text = controls::RefusalOf(field), .icon = ports::Icon::kInformation});
   host().Focus(*this, field.name().c_str());
   return false;
 }

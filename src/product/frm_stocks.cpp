@@ -78,7 +78,7 @@ void frmStocks::AddEvents() {
 // False when the field does not take what was typed, which the user is told.
 bool frmStocks::LeaveField(controls::TextField& field) {
   if (controls::FieldLostFocus(field, kNumber, session_.locale())) return true;
-  session_.ports().desktop.Ask({.text = controls::kNumberTooLarge, .icon = ports::Icon::kInformation}, this);
+  session_.ports().desktop.Ask({.text = controls::RefusalOf(field), .icon = ports::Icon::kInformation}, this);
   host().Focus(*this, field.name().c_str());
   return false;
 }

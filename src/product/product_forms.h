@@ -26,6 +26,7 @@ class ProductForms final : public ports::ProductForms {
 
   std::shared_ptr<ports::ProductForm> Create() override;
   bool Busy() const override { return forms_.Busy(); }
+  bool AnyLoaded() const override { return !forms_.all().empty(); }
 
  private:
   session::Session& session_;

@@ -352,6 +352,7 @@ class NativeDriver final : public Driver,
       if (name == "Password") arguments.Password = session::Scramble(value);
       if (name == "cnPassword") arguments.cnPassword = session::Scramble(value);
       if (name == "cnInitialCatalog") arguments.cnInitialCatalog = value;
+      if (name == "cnDataSource") arguments.cnDataSource = value;
       if (name == "cnDataSourceSecondary") arguments.cnDataSourceSecondary = value;
       if (name == "oFlags") arguments.oFlags = std::stoi(value);
     }

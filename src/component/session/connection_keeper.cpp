@@ -17,6 +17,8 @@ using ports::ConnectionState;
 
 constexpr const char* kNotKnown = "...";
 constexpr const char* kNotPresent = "A ligação ao servidor SQL não está presente.";
+constexpr const char* kNoMasterString =
+    "Não foi possivel reconectar ao servidor SQL. Não está definido um valor para a variável 'strSQLMasterConnString'";
 constexpr const char* kNoAnswer = "O servidor SQL não respondeu dentro de 10 segundos.";
 constexpr int kHourglass = 11;
 constexpr int kNormal = 0;
@@ -127,6 +129,11 @@ class Keeper {
 
   // False when the wait was cancelled; the result otherwise says how it ended.
   bool Reconnect(std::string& result) {
+    // The suite's text for it, which nobody sees: without that string the keeper has answered before it got here.
+    if (session_.state().primary_connection_string.empty()) {
+      result = kNoMasterString;
+      return true;
+    }
     ports::ErrorReporting& reporting = session_.ports().error_reporting;
     controls::Form* const form = check_.form == nullptr ? nullptr : check_.form->Form();
     // The waits below let the user go on: nothing may begin on a line that is just being opened.

@@ -25,7 +25,8 @@ const base::Locale& Session::locale() {
   return *locale_;
 }
 
-std::string Session::SettingsKey() const {
+std::optional<std::string> Session::SettingsKey() const {
+  if (state_.application_key.empty()) return std::nullopt;
   return R"(HKEY_LOCAL_MACHINE\SOFTWARE\Ambrell\)" + state_.application_key;
 }
 

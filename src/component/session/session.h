@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -71,11 +72,12 @@ class Session {
   std::function<std::shared_ptr<void>()> hold_input;
   // True while an operation of ours has a transaction open (transaction.h).
   bool transaction_held = false;
-  // Codes of the policies that a user holds, by user name; filled by loads that completed.
+  // Codes of the policies that a user holds in the session's database, by user name; filled by loads that completed.
   std::map<std::string, std::vector<std::string>> policies;
 
-  // The session's subkey of the suite's registry key, as settings are looked up.
-  std::string SettingsKey() const;
+  // The session's subkey of the suite's registry key, as settings are looked up; nothing while the session has none (a
+  // SQLConnect that is to keep the key of before, when there was none).
+  std::optional<std::string> SettingsKey() const;
 
  private:
   Ports ports_;

@@ -44,6 +44,7 @@ class RecordingForms final : public ports::ProductForms {
   explicit RecordingForms(World& world) : world_(world) {}
   std::shared_ptr<ports::ProductForm> Create() override { return std::make_shared<RecordingForm>(world_); }
   bool Busy() const override { return false; }
+  bool AnyLoaded() const override { return false; }
 
  private:
   World& world_;

@@ -1,3 +1,6 @@
+#include <array>
+#include <string>
+
 #include "base/date.h"
 #include "controls/field_entry.h"
 #include "controls/field_value.h"
@@ -85,8 +88,21 @@ TEST(OtherFieldValues, ShowNullAsNothing) {
   controls::SetFieldValue(mask, *base::MakeDate({2017, 12, 31, 0, 0, 0}), 0, Points());
   EXPECT_EQ(mask.text(), "31-12-2017");
   EXPECT_EQ(controls::GetFieldValue(mask, 0, Points()), "CONVERT(DATETIME,'2017-12-31',102)");
+  // Another user's order: what was shown and not touched is the same date still, what he types is read in his order.
+  EXPECT_EQ(controls::GetFieldValue(mask, 0, EnglishLocale()), "CONVERT(DATETIME,'2017-12-31',102)");
+  for (const auto& [typed, day_first, month_first] : std::initializer_list<std::array<std::string, 3>>{
+           {"03-04-2017", "CONVERT(DATETIME,'2017-04-03',102)", "CONVERT(DATETIME,'2017-03-04',102)"},
+           {"31-12-2017", "CONVERT(DATETIME,'2017-12-31',102)", "null"},
+           {"31-02-2017", "null", "null"}}) {
+    mask.Typed(typed);
+    EXPECT_EQ(controls::GetFieldValue(mask, 0, Points()), day_first);
+    EXPECT_EQ(controls::GetFieldValue(mask, 0, EnglishLocale()), month_first);
+    EXPECT_EQ(controls::FieldLostFocus(mask, 1, Points()), day_first != "null") << typed;
+  }
+  EXPECT_STREQ(controls::RefusalOf(mask), "O valor que introduziu não é uma data válida.");
   controls::SetFieldValue(mask, Value::Null(), 0, Points());
   EXPECT_EQ(mask.text(), "__-__-____");
+  EXPECT_TRUE(controls::FieldLostFocus(mask, 1, Points()));
   EXPECT_EQ(controls::GetFieldValue(mask, 0, Points()), "null");
 
   controls::Label label("FXSaldo", "");
@@ -135,6 +151,16 @@ TEST(FieldEntry, ANumericFieldSwitchesBetweenItsRawValueAndItsDisplay) {
     EXPECT_TRUE(controls::FieldLostFocus(field, c.code, Points()));
     EXPECT_EQ(field.tag(), c.tag_after);
     EXPECT_EQ(field.text(), c.text_after);
+  }
+}
+
+TEST(FieldEntry, WhatIsNoNumberIsShownAsItStands) {
+  for (const auto& [code, raw] :
+       std::initializer_list<std::pair<int, const char*>>{{2, "abc"}, {5, "abc"}, {6, "9999999999"}, {10, "abc"}}) {
+    TextField field("FX");
+    field.set_tag(raw);
+    EXPECT_NO_THROW(controls::FieldGotFocus(field, code, Points())) << code;
+    EXPECT_EQ(field.text(), raw) << code;
   }
 }
 

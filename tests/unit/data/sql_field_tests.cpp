@@ -1,9 +1,12 @@
 #include "data/sql_field.h"
 
+#include <memory>
 #include <utility>
+#include <vector>
 
 #include "base/date.h"
 #include "base/text.h"
+#include "data/control_fill.h"
 #include "data/shared_queries.h"
 #include "gtest/gtest.h"
 #include "support/fake_ports.h"
@@ -98,10 +101,37 @@ TEST_F(SQLFieldTest, OnlyALongTextOfSeveralPiecesIsJoinedAsAMaximum) {
   EXPECT_EQ(data::SQLField(session, text(20000), SQLKind::kText), "'" + text(20000) + "'");
 }
 
+// Whatever has the members of a list can be filled: a list box as well as a combo box.
+TEST_F(SQLFieldTest, AnyListCanBeFilled) {
+  struct ListBox final : controls::ItemList {
+    void Clear() override { entries.clear(); }
+    void AddItem(std::string text) override { entries.emplace_back(std::move(text), 0); }
+    int NewIndex() const noexcept override { return static_cast<int>(entries.size()) - 1; }
+    void SetItemData(int index, std::int32_t data) override {
+      entries.at(static_cast<std::size_t>(index)).second = data;
+    }
+    std::vector<std::pair<std::string, std::int32_t>> entries{{"antes", 1}};
+  } list;
+  database.servers["s"] = {};
+  database.users["u"] = "p";
+  session.SharedConnection().SetConnectionString("x;User ID=u;Password=p;Data Source=s;");
+  session.SharedConnection().Open();
+  database.on_query = [](const std::string&) {
+    ports::RowSet rows({"descrit", "cor_id"});
+    for (const Value& cell : {Value("Azul"), Value(3), Value::Null(), Value(4), Value("Verde"), Value(5)})
+      rows.Append(cell);
+    return rows;
+  };
+  FakeFormHost host;
+  const auto form = std::make_shared<controls::Form>(host, "frmLista");
+  EXPECT_TRUE(data::ControlFill(session, *form, list, "SELECT", "descrit", "cor_id"));
+  EXPECT_EQ(list.entries, (std::vector<std::pair<std::string, std::int32_t>>{{"Azul", 3}, {"Verde", 5}}));
+}
+
 TEST_F(SQLFieldTest, TrtfChangesItsArgumentToo) {
   const std::string piece = "a''b\\\n" + std::string(9000, 'c');
   std::string text = piece;
-  EXPECT_EQ(data::Trtf(text), "a' + CHAR(39) + '' + CHAR(39) + 'b" + piece.substr(4));
+  EXPECT_EQ(data::Trtf(session, text), "a' + CHAR(39) + '' + CHAR(39) + 'b" + piece.substr(4));
   EXPECT_EQ(text, "a' + CHAR(39) + '' + CHAR(39) + 'b" + piece.substr(4));
 }
 
