@@ -114,6 +114,8 @@ void frmMain::Activate(const ports::ProductRequest& request) {
 void frmMain::OnLoad() {
   Guarded("Form_Load", [&] {
     forms_.Add(*this);
+    // Loaded once more it begins as a new one does: only the first page is filled with the product.
+    TabStrip1.SelectKey("precos");
     Fill();
     SetHistoryPeriod();
   });
