@@ -75,12 +75,11 @@ void frmStocks::AddEvents() {
   Command2.on_click = [this] { Unload(); };
 }
 
-// False when the field does not take what was typed, which the user is told.
-bool frmStocks::LeaveField(controls::TextField& field) {
-  if (controls::FieldLostFocus(field, kNumber, session_.locale())) return true;
+// The user is told when the field does not take what was typed; the button then is not pressed.
+void frmStocks::LeaveField(controls::TextField& field) {
+  if (controls::FieldLostFocus(field, kNumber, session_.locale())) return;
   session_.ports().desktop.Ask({.text = controls::RefusalOf(field), .icon = ports::Icon::kInformation}, this);
   host().Focus(*this, field.name().c_str());
-  return false;
 }
 
 void frmStocks::OnLoad() {
@@ -132,10 +131,6 @@ void frmStocks::Command1_Click() {
            .icon = ports::Icon::kCritical},
           this);
       return;
-    }
-    // Enter presses the button without leaving the field that is being typed in.
-    for (controls::TextField* field : {&FXStockMinimo, &FXReposicao}) {
-      if (field->focused() && !LeaveField(*field)) return;
     }
     SaveRecord();
     ShowInList();

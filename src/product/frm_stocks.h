@@ -41,7 +41,7 @@ class frmStocks final : public FormOverProduct {
 
   void LayOut();
   void AddEvents();
-  bool LeaveField(controls::TextField& field);
+  void LeaveField(controls::TextField& field);
   void ShowRecord();
   void SaveRecord();
   void ShowInList();
