@@ -64,6 +64,8 @@ TEST(TextFieldValue, IsShownAndReadBackByItsCode) {
     EXPECT_EQ(controls::GetFieldValue(field, c.code, Points()), c.sql) << c.code;
   }
   TextField field("FX");
+  controls::SetFieldValue(field, "12.5", 4, PortugueseLocale());
+  EXPECT_EQ(controls::GetFieldValue(field, 4, PortugueseLocale()), "12.5") << "a point, where the user writes a comma";
   field.set_text("antes");
   controls::SetFieldValue(field, 1, 11, Points());
   EXPECT_EQ(field.text(), "antes") << "an unknown code changes nothing";
