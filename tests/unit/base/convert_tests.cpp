@@ -30,6 +30,7 @@ TEST(ParseNumber, TakesWhatAUserTypesAndWhatAFieldShows) {
       {"1.234,50", 1234.5, std::nullopt},
       {"1,234.50", std::nullopt, 1234.5},
       {"1.234", 1234, 1.234},
+      {"1.23.456", std::nullopt, std::nullopt},
       {"1\xC2\xA0"
        "234,5",
        1234.5, std::nullopt},
@@ -111,6 +112,7 @@ TEST(ToText, WritesNumbersAsTheUserReadsThem) {
       {Currency{INT64_MIN}, "-922337203685477,5808"},
       {Decimal{12345, 0, 0, 2, false}, "123,45"},
       {Decimal{5, 0, 0, 3, true}, "-0,005"},
+      {Decimal{0, 0, 0, 2, true}, "0"},
       {Decimal{0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0, false}, "79228162514264337593543950335"},
       {true, "True"},
       {Value(), ""},
