@@ -10,6 +10,9 @@
 
 namespace quenta::journeys {
 
+// Thrown by a step behind which the journey does not go on with this driver.
+struct EndsHere {};
+
 class Driver {
  public:
   virtual ~Driver() = default;

@@ -17,13 +17,7 @@ std::string YesNo(bool value) {
   return value ? "yes" : "no";
 }
 
-// Of a long list the beginning and the end; how many there are is said beside it.
-constexpr int kLongList = 20;
-constexpr int kFirst = 3;
-constexpr int kLast = 2;
-bool IsLeftOut(int position, int count) {
-  return count > kLongList && position >= kFirst && position < count - kLast;
-}
+constexpr int kFirst = 3;  // that stand of a long list
 
 std::string Entries(const ComboBox& box) {
   std::string text;
@@ -123,6 +117,12 @@ void AddContents(const Control& control, Fact& fact) {
 }
 
 }  // namespace
+
+bool IsLeftOut(int position, int count) {
+  constexpr int kLongList = 20;
+  constexpr int kLast = 2;
+  return count > kLongList && position >= kFirst && position < count - kLast;
+}
 
 Facts FactsOf(const Form& form, const std::string& form_name) {
   const std::string prefix = form_name == "frmMain" ? "" : form_name + ".";

@@ -43,6 +43,8 @@ class JourneyTest : public testing::Test {
         if (step.quiet && !driver_->Observe().empty()) throw std::runtime_error("what came before is not looked at");
         driver_->Do(step);
         if (step.quiet) driver_->Observe();
+      } catch (const EndsHere&) {
+        return false;
       } catch (const std::exception& error) {
         ADD_FAILURE() << Where(step.line.number) << ": " << step.line.text << "\n" << error.what();
         return false;

@@ -253,7 +253,8 @@ class NativeDriver final : public Driver,
          kButtons[static_cast<int>(message.buttons)] + (message.system_modal ? ", system-modal" : "") + ", over " +
          screen_.NameOf(over) + (screen_.IsTopmost(over) ? " topmost" : "") + OutOfReach() + ": " +
          Quoted(message.text) + " -> " + given.rest);
-    if (cannot_be_shown) throw base::Error(base::error_number::kOutOfMemory, "No box");
+    if (cannot_be_shown)
+      throw base::Error(base::error_number::kOutOfMemory, "Windows cannot show the message: " + message.text);
     for (const Step& step : given.inside) Do(step);
     desktop_.answer = kAnswers.contains(given.rest) ? kAnswers.at(given.rest) : Answer::kCancel;
     return desktop_.Ask(message, over);
@@ -511,6 +512,7 @@ class NativeDriver final : public Driver,
       {"shadow", [this](Text text) { settings_.files[kShadowFile] = text; }},
       {"server", [this](Text text) { SetServer(text); }},
       {"other-columns", [this](Text statement) { Fail(tests::Fault::kOtherColumns, statement); }},
+      {"natively", [](Text) {}},  // from here on: a driver in windows stops
       {"fail", [this](Text statement) { Fail(tests::Fault::kFails, statement); }},
       {"no-error-reporting", [this](Text) { reports_are_lost_ = true; }},
       {"drop-line", [this](Text statement) { Fail(tests::Fault::kLineDrops, statement); }},

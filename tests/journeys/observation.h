@@ -39,6 +39,9 @@ void AppendChanges(const Facts& before, const Facts& after, Kind kind, std::vect
 // form's name and a point. What can be chosen from stands at the end.
 Facts FactsOf(const controls::Form& form, const std::string& form_name);
 
+// Of a long list the beginning and the end stand; how many there are is said beside it.
+bool IsLeftOut(int position, int count);
+
 // Those of the tables that the component writes which a statement may change.
 std::set<std::string> TablesWritten(const std::string& statement);
 // Reads these anew: every row, by table and key.

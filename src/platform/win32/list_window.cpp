@@ -145,8 +145,11 @@ class ListWindow final : public ControlWindow, public ListMemory {
     switch (message) {
       case WM_LBUTTONDOWN:
         told_in_click_ = false;
-        return BeforeMouse(part, message, wparam, lparam);
+        [[fallthrough]];
       case WM_RBUTTONDOWN:
+        // The field that is left takes over what was typed before another row is chosen; not every system has it so.
+        if (GetFocus() != window()) SetFocus(window());
+        if (!IsWindow(part)) return 0;
         return BeforeMouse(part, message, wparam, lparam);
       case WM_KEYDOWN:
         if (Pressed(VK_CONTROL) && !Pressed(VK_MENU) && Command(wparam)) return 0;

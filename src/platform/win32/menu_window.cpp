@@ -1,6 +1,7 @@
 #include "platform/win32/menu_window.h"
 
 #include "platform/win32/wide_text.h"
+#include "platform/win32/window_names.h"
 
 namespace quenta::platform {
 
@@ -22,7 +23,7 @@ void MenuWindow::Append(HMENU menu, const std::vector<controls::MenuItem>& items
     const UINT state = (enabled ? MF_ENABLED : MF_GRAYED) | (item.checked ? MF_CHECKED : MF_UNCHECKED);
     if (item.items.empty()) {
       AppendMenuW(menu, MF_STRING | state, kFirstCommand + entries_.size(), caption.c_str());
-      entries_.push_back({item.on_click, item.enabled ? item.can_run : nullptr});
+      entries_.push_back({item.on_click, item.enabled ? item.can_run : nullptr, NameLastEntry(menu, item.name)});
       continue;
     }
     OwnedMenu below(CreatePopupMenu());

@@ -35,6 +35,7 @@ class MenuWindow {
   struct Entry {
     std::function<void()> run;
     std::function<bool()> can_run;  // none for an entry whose state never changes
+    OwnedAtom name;
   };
 
   OwnedMenu menu_;

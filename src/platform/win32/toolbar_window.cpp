@@ -152,8 +152,10 @@ class ToolbarWindow final : public ControlWindow {
     owner().Command([this, index] {
       const std::vector<Toolbar::MenuEntry> entries = toolbar_.buttons()[index].menu;
       const OwnedMenu menu(CreatePopupMenu());
+      std::vector<OwnedAtom> names_of_entries;
       for (std::size_t i = 0; i < entries.size(); ++i) {
         AppendMenuW(menu.get(), MF_STRING, i + 1, Wide(entries[i].caption).c_str());
+        names_of_entries.push_back(NameLastEntry(menu.get(), entries[i].key));
       }
       RECT button{};
       Send(TB_GETRECT, commands_[index], reinterpret_cast<LPARAM>(&button));

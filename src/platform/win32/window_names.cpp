@@ -24,4 +24,14 @@ void WindowNames::Clear() noexcept {
   entries_.clear();
 }
 
+OwnedAtom NameLastEntry(HMENU menu, const std::string& name) {
+  OwnedAtom atom(GlobalAddAtomW(Wide(name).c_str()));
+  MENUITEMINFOW data{};
+  data.cbSize = sizeof(data);
+  data.fMask = MIIM_DATA;
+  data.dwItemData = atom.get();
+  SetMenuItemInfoW(menu, static_cast<UINT>(GetMenuItemCount(menu) - 1), TRUE, &data);
+  return atom;
+}
+
 }  // namespace quenta::platform

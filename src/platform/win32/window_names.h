@@ -17,6 +17,7 @@ namespace quenta::platform {
 //   Button0 …     the key of each button of a toolbar, on the toolbar's window; the high word is the command to send to
 //                 the toolbar's parent (WM_COMMAND) to press it
 //   Tab0 …        the key of each tab, on the tab strip's window, in the order of the tabs
+// The entries of menus have the same atoms as their item data (MENUITEMINFOW).
 class WindowNames {
  public:
   // Sets or replaces a property. A failure leaves the window without it.
@@ -32,6 +33,9 @@ class WindowNames {
   };
   std::vector<Entry> entries_;
 };
+
+// Names the menu's last entry as long as the result lives.
+OwnedAtom NameLastEntry(HMENU menu, const std::string& name);
 
 inline constexpr wchar_t kControlNameProperty[] = L"ControlName";
 

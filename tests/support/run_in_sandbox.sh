@@ -8,18 +8,21 @@ windows=$(realpath "$1")
 export QUENTA_BUILD=${windows%/*}
 shift 2
 # shellcheck source=scripts/sandbox.sh
-source "$(dirname "${BASH_SOURCE[0]}")/../../../scripts/sandbox.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/sandbox.sh"
 use_windows "${windows##*/}"
 SANDBOX=$BUILD/test-sandbox/$WINDOWS
 PREFIX=$SANDBOX/prefix
 DATABASE=$SANDBOX/catalogo.db
 export QUENTA_SANDBOX_REPORTS
 QUENTA_SANDBOX_REPORTS=$(windows_path "$SANDBOX/reports.log")
-# One product has a history as long as they come.
-CATALOGUE_OPTIONS=(--history 100000)
+# The day on which the journeys take place. The servers' clock stands still only when the catalogue is made.
+CATALOGUE_OPTIONS=(--today 2026-11-21 --modules all)
 mkdir -p "$SANDBOX"
 rm -f "$SANDBOX/reports.log"
 make_catalogue
+cp "$DATABASE" "$DATABASE.fresh"
+export QUENTA_NOW='2026-11-21 12:34:56' QUENTA_SANDBOX_DATABASE
+QUENTA_SANDBOX_DATABASE=$(windows_path "$DATABASE")
 # The tool has written down the extension of its own width.
 sed -i "s|^\(LoadExt *= *\).*|\1$SQLITE_EXTENSION|" "$SANDBOX/odbc.ini"
 # A second server that answers: the same database under another name.
