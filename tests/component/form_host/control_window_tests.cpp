@@ -1,6 +1,5 @@
 // Controls' windows and their models: what the user does arrives as events, what the model does shows without echo.
 #include <atomic>
-#include <chrono>
 #include <thread>
 
 #include <windows.h>
@@ -56,6 +55,16 @@ TEST_F(ControlWindowTest, WhatTheModelWritesIsNotEchoedAndNotWrittenWhenEqual) {
   Press(VK_END);
   form->FXCodigo.set_text("B20");
   EXPECT_EQ(platform::EditSelection(GetFocus()).start, 3U) << "an equal text leaves the caret alone";
+}
+
+TEST_F(ControlWindowTest, WhatIsCutUndoneAndPastedIsTyped) {
+  Show();
+  for (const UINT edit : {WM_COPY, WM_CUT, WM_UNDO, WM_CUT, WM_PASTE}) {
+    FocusOn("FXCodigo");
+    SendMessageW(GetFocus(), EM_SETSEL, 0, -1);
+    EXPECT_EQ(EventsOf([&] { SendMessageW(GetFocus(), edit, 0, 0); }), edit == WM_COPY ? "" : "FXCodigo change")
+        << edit;
+  }
 }
 
 TEST_F(ControlWindowTest, TabWalksInReadingOrderAndSkipsWhatCannotBeUsed) {
@@ -200,26 +209,6 @@ TEST_F(ControlWindowTest, AnEntryOfAListBoxIsChosenByKeys) {
   EXPECT_EQ(form->FXFamilia_ID.ListIndex(), -1) << "a locked box cannot be chosen from";
 }
 
-TEST_F(ControlWindowTest, AListShowsWhatItsModelHolds) {
-  Show();
-  const HWND list = Window("ListView2");
-  const auto cell = [&](int row, int column) {
-    wchar_t text[80] = L"";
-    ListView_GetItemText(list, row, column, text, 80);
-    return std::wstring(text);
-  };
-  EXPECT_EQ(ListView_GetItemCount(list), 3);
-  EXPECT_EQ(cell(0, 0), L"Preço 1");
-  EXPECT_EQ(cell(0, 3), L"€ 10,00");
-  form->ListView2.Item("#2").text = "Outro";
-  form->ListView2.Remove("#1");
-  EXPECT_EQ(ListView_GetItemCount(list), 2);
-  EXPECT_EQ(cell(0, 0), L"Outro");
-  form->ListView2.Clear();
-  EXPECT_EQ(ListView_GetItemCount(list), 0);
-  EXPECT_EQ(cell(0, 0), L"") << "a row that is gone has no text";
-}
-
 TEST_F(ControlWindowTest, RowsAreChosenActivatedAndChecked) {
   Show();
   FocusOn("ListView2");
@@ -261,20 +250,6 @@ TEST_F(ControlWindowTest, RowsAreChosenActivatedAndChecked) {
   EXPECT_TRUE(form->ListView1.At(2).checked) << "by a click on its box";
 }
 
-TEST_F(ControlWindowTest, ALongListIsFilledAndPaintedInATrice) {
-  Show();
-  constexpr int kRows = 100000;
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 10; i < kRows; ++i) form->ListView2.Add("#" + base::DecimalText(i), "Linha").sub_items = {"1", "2", "3"};
-  RedrawWindow(Window("ListView2"), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-  const auto taken =
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
-  RecordProperty("filling_and_painting_ms", static_cast<int>(taken));
-  EXPECT_EQ(ListView_GetItemCount(Window("ListView2")), kRows - 7);
-  form->ListView2.Select(kRows - 10);
-  EXPECT_GT(ListView_GetTopIndex(Window("ListView2")), kRows - 100) << "the row chosen is in view";
-}
-
 TEST_F(ControlWindowTest, TabsShowTheirPages) {
   Show();
   const auto shown = [&] {
@@ -304,23 +279,6 @@ TEST_F(ControlWindowTest, TabsShowTheirPages) {
   EXPECT_EQ(shown(), "Frame1");
 }
 
-TEST_F(ControlWindowTest, TogglesAndDatesFollowTheUser) {
-  Show();
-  SendMessageW(Window("Option2"), BM_CLICK, 0, 0);
-  EXPECT_TRUE(form->Option2.value());
-  EXPECT_FALSE(form->Option1.value()) << "one of a group at a time";
-  EXPECT_EQ(SendMessageW(Window("Option1"), BM_GETCHECK, 0, 0), BST_UNCHECKED);
-  EXPECT_FALSE(form->Happened("Option1 click"));
-  SendMessageW(Window("FXDescontinuado"), BM_CLICK, 0, 0);
-  EXPECT_TRUE(form->FXDescontinuado.value());
-  form->TabStrip1.SelectKey("compras");
-  FocusOn("FXData_Inicio");
-  Press(VK_RIGHT);
-  Press(VK_UP);
-  EXPECT_TRUE(form->Happened("FXData_Inicio change"));
-  EXPECT_FALSE(form->FXData_Inicio.value() == *base::MakeDate({2024, 1, 1, 0, 0, 0}));
-}
-
 TEST_F(ControlWindowTest, AQuestionInALeaveRoutineIsAskedOnce) {
   Show();
   FocusOn("FXValor");
@@ -337,14 +295,6 @@ TEST_F(ControlWindowTest, AQuestionInALeaveRoutineIsAskedOnce) {
   FocusOn("FXValor");
   PressButton("Toolbar1", "gravar");
   EXPECT_EQ(asked, 2) << "left for another field, and by the command";
-}
-
-TEST_F(ControlWindowTest, APopupMenuRunsWhatIsChosen) {
-  Show();
-  FocusOn("FXValor");
-  for (const int key : {VK_DOWN, VK_RETURN}) PostMessageW(window, WM_KEYDOWN, static_cast<WPARAM>(key), 0);
-  EXPECT_EQ(EventsOf([&] { host.PopupMenu(*form, "mnFicheiro"); }), "FXValor lost focus, mnGravar");
-  host.PopupMenu(*form, "mnNone");
 }
 
 TEST_F(ControlWindowTest, AnEmptyNoteLeavesItsRoom) {

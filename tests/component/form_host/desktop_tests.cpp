@@ -92,23 +92,6 @@ TEST_F(DesktopTest, AFileToSaveIsAskedFor) {
   EXPECT_TRUE(IsWindowEnabled(window));
 }
 
-// Refuses every dialog, as when Windows has no room for more windows.
-LRESULT CALLBACK RefuseDialogs(int code, WPARAM wparam, LPARAM lparam) noexcept {
-  constexpr WORD kDialogClass = 0x8002;
-  if (code == HCBT_CREATEWND && GetClassWord(reinterpret_cast<HWND>(wparam), GCW_ATOM) == kDialogClass) return 1;
-  return CallNextHookEx(nullptr, code, wparam, lparam);
-}
-
-TEST_F(DesktopTest, AQuestionThatCannotBeShownIsAnErrorAndNoAnswer) {
-  Show();
-  const HHOOK hook = SetWindowsHookExW(WH_CBT, &RefuseDialogs, nullptr, GetCurrentThreadId());
-  for (const ports::Buttons buttons : {ports::Buttons::kOk, ports::Buttons::kYesNo, ports::Buttons::kYesNoCancel}) {
-    EXPECT_THROW(desktop_.Ask({.text = "Deseja gravar?", .buttons = buttons}, form.get()), base::Error);
-  }
-  UnhookWindowsHookEx(hook);
-  EXPECT_TRUE(IsWindowEnabled(window));
-}
-
 TEST_F(DesktopTest, ATextIsCopiedForOtherPrograms) {
   const auto clipboard = [] {
     if (!OpenClipboard(nullptr)) return std::string("busy");

@@ -2,7 +2,6 @@
 
 #include <commctrl.h>
 
-#include <chrono>
 #include <map>
 
 #include "platform/win32/wide_text.h"
@@ -170,14 +169,6 @@ std::string FormFixture::EventsOf(const std::function<void()>& act) {
   std::string text;
   for (const std::string& event : form->events) text += (text.empty() ? "" : ", ") + event;
   return text;
-}
-
-int FormFixture::Milliseconds(const std::function<void()>& act) const {
-  const auto start = std::chrono::steady_clock::now();
-  act();
-  UpdateWindow(window);
-  const auto taken = std::chrono::steady_clock::now() - start;
-  return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(taken).count());
 }
 
 }  // namespace quenta::tests

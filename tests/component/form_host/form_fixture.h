@@ -64,8 +64,6 @@ class FormFixture : public testing::Test {
 
   // The events of the form from now on, as one text.
   std::string EventsOf(const std::function<void()>& act);
-  // How long it takes, with what is painted.
-  int Milliseconds(const std::function<void()>& act) const;
 
   platform::FormHost host{""};
   std::shared_ptr<SampleForm> form = std::make_shared<SampleForm>(host);

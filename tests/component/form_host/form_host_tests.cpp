@@ -58,16 +58,6 @@ HWND FirstList(HWND form) {
 
 using FormHostTest = FormFixture;
 
-TEST_F(FormHostTest, EveryControlIsFoundByNameAndEveryButtonAndTabByKey) {
-  Show();
-  EXPECT_EQ(NameOf(window), "frmAmostra");
-  for (const controls::Control* control : form->controls()) {
-    EXPECT_NE(Window(control->name()), nullptr) << control->name();
-  }
-  EXPECT_EQ(NameOf(Window("Toolbar1"), L"Button3"), "imprimir");
-  EXPECT_EQ(NameOf(Window("TabStrip1"), L"Tab1"), "stocks");
-}
-
 TEST_F(FormHostTest, AFormHasNoOwnerAndItsWindowIsADialog) {
   Show();
   EXPECT_EQ(GetWindow(window, GW_OWNER), nullptr);
@@ -180,16 +170,6 @@ TEST_F(FormHostTest, SessionThatEndsWithoutAskingLosesTheForm) {
   SendMessageW(window, WM_ENDSESSION, TRUE, 0);
   EXPECT_EQ(form->closed, 1);
   EXPECT_FALSE(form->Happened("unload"));
-}
-
-TEST_F(FormHostTest, TheCloseBoxRunsTheLeaveRoutineBeforeTheUnloadProcedure) {
-  Show();
-  FocusOn("FXValor");
-  form->refuse_unload = true;
-  const std::string events = EventsOf([&] { SendMessageW(window, WM_CLOSE, 0, 0); });
-  EXPECT_EQ(events, "FXValor lost focus, unload");
-  form->Form::set_enabled(false);
-  EXPECT_EQ(EventsOf([&] { SendMessageW(window, WM_CLOSE, 0, 0); }), "") << "a disabled form cannot be closed";
 }
 
 TEST_F(FormHostTest, FormAspectsReachTheWindow) {

@@ -1,4 +1,4 @@
-// Lists: many rows marked at once, sorting, copying, menus, and all of it with 10^5 rows.
+// Lists: many rows marked at once, sorting, copying and menus.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -242,53 +242,6 @@ TEST_F(ListWindowTest, AMenuOpensWhereItIsAskedFor) {
   for (const auto& way : ways) events_with(way.ask, {VK_UP, VK_RETURN});
   SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);
   EXPECT_EQ(form->ListView2.selected(), -1);
-}
-
-// The times stand in the test's report: a key that repeats comes thirty times a second.
-TEST_F(ListWindowTest, AHundredThousandRowsAreQuick) {
-  constexpr int kFew = 1000;
-  constexpr int kRows = 100000;
-  constexpr int kKeys = 15;
-  ShowHistory(kFew);
-  const HWND list = Window("ListView13");
-  const auto repeat = [&](WPARAM key) {
-    return Milliseconds([&] {
-      for (int i = 0; i < kKeys; ++i) {
-        SendMessageW(list, WM_KEYDOWN, key, 0);
-        UpdateWindow(list);
-      }
-    });
-  };
-  form->ListView13.Select(0);
-  Pump();
-  const int in_few = repeat(VK_NEXT) + repeat(VK_DOWN);
-  form->ListView13.Clear();
-  RecordProperty("filling_ms", Milliseconds([&] { AddRows(kRows); }));
-  form->ListView13.Select(0);
-  Pump();
-  const int pages = repeat(VK_NEXT);
-  const int rows = repeat(VK_DOWN);
-  RecordProperty("page_down_us", pages * 1000 / kKeys);
-  RecordProperty("down_us", rows * 1000 / kKeys);
-  RecordProperty("in_a_short_list_us", in_few * 1000 / (2 * kKeys));
-  EXPECT_GT(ListView_GetTopIndex(list), 100);
-  RecordProperty("end_ms", Milliseconds([&] { SendMessageW(list, WM_KEYDOWN, VK_END, 0); }));
-  EXPECT_EQ(form->ListView13.selected(), kRows - 1);
-  RecordProperty("home_ms", Milliseconds([&] { SendMessageW(list, WM_KEYDOWN, VK_HOME, 0); }));
-  EXPECT_EQ(form->ListView13.selected(), 0);
-  const int all = Milliseconds([&] { Press('A', {VK_CONTROL}); });
-  const int none = Milliseconds([&] { Press(VK_DOWN); });
-  RecordProperty("mark_all_ms", all);
-  RecordProperty("mark_one_again_ms", none);
-  EXPECT_EQ(form->ListView13.MarkedRows(), std::vector<int>{1});
-  const int range = Milliseconds([&] { Press(VK_END, {VK_SHIFT}); });
-  const int shorter = Milliseconds([&] { Press(VK_UP, {VK_SHIFT}); });
-  RecordProperty("mark_range_ms", range);
-  RecordProperty("shorten_range_ms", shorter);
-  EXPECT_EQ(form->ListView13.MarkedRows().size(), static_cast<std::size_t>(kRows - 2));
-  EXPECT_GT(ListView_GetTopIndex(list), kRows - 100) << "its end is in view";
-  RecordProperty("sort_ms", Milliseconds([&] { form->ListView13.Sort({2, true}, {}); }));
-  EXPECT_EQ(ListView_GetSelectedCount(list), static_cast<UINT>(kRows - 2));
 }
 
 }  // namespace

@@ -149,31 +149,6 @@ TEST_F(TypingTest, AnOpenListKeepsEscAndEnterForItself) {
   EXPECT_FALSE(form->Happened("unload"));
 }
 
-TEST_F(TypingTest, AHundredThousandNamesDoNotHoldUpTheUser) {
-  ShowNames({});
-  std::vector<std::string> names;
-  for (int i = 0; i < 100000; ++i) names.push_back("Camisa de algodão " + base::DecimalText(i));
-  const int filling = Milliseconds([&] {
-    FillNames(names);
-    form->FXNome.set_text("Camisa");
-  });
-  RecordProperty("filling_ms", filling);
-  EXPECT_EQ(TextOf("FXNome"), "Camisa");
-  SendMessageW(GetFocus(), EM_SETSEL, 6, 6);
-  const auto type = [&](wchar_t unit) { return Milliseconds([&] { SendMessageW(GetFocus(), WM_CHAR, unit, 0); }); };
-  const int first = type(L' ');
-  RecordProperty("first_key_ms", first);
-  int others = 0;
-  const std::wstring rest = platform::Wide("de algodão 99999");
-  for (const wchar_t unit : rest) others += type(unit);
-  RecordProperty("each_key_us", others * 1000 / static_cast<int>(rest.size()));
-  EXPECT_EQ(form->FXNome.ListIndex(), 99999);
-  EXPECT_EQ(SendMessageW(Window("FXNome"), CB_GETCURSEL, 0, 0), 99999);
-  Press(VK_ESCAPE);
-  FillNames(names);
-  EXPECT_EQ(SendMessageW(Window("FXNome"), CB_GETCOUNT, 0, 0), 100000) << "anybody who asks finds all of them";
-}
-
 TEST_F(TypingTest, TheDecimalKeyIsTheUsersSeparatorWhereNumbersStand) {
   Show();
   FocusOn("FXValor");
