@@ -1,5 +1,6 @@
 #include "journeys/journey.h"
 
+#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 #include <string_view>
@@ -150,6 +151,15 @@ Journey ReadJourney(const std::filesystem::path& path, Definitions definitions) 
   section.first_line = section.last_line = static_cast<int>(lines.size());
   if (!section.steps.empty()) journey.sections.push_back(section);
   return journey;
+}
+
+std::vector<std::filesystem::path> JourneyFiles(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (entry.path().extension() == ".txt" && entry.path().parent_path() != folder) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
 }
 
 }  // namespace quenta::journeys

@@ -62,6 +62,9 @@ using Definitions = std::map<std::string, Definition>;
 void ReadDefinitions(const std::filesystem::path& path, Definitions& definitions);
 Journey ReadJourney(const std::filesystem::path& path, Definitions definitions);
 
+// All journeys that stand below this folder: AREA/NAME.txt, in their order.
+std::vector<std::filesystem::path> JourneyFiles(const std::filesystem::path& folder);
+
 // The first word of a text, and what follows it.
 std::pair<std::string, std::string> FirstWord(const std::string& text);
 // Words separated by blanks; one in quotes may hold blanks.

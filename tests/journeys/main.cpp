@@ -2,7 +2,6 @@
 // in the syntax of the file, and nothing is compared.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <vector>
@@ -85,13 +84,8 @@ class JourneyTest : public testing::Test {
 
 // tests/journeys/AREA/NAME.txt is the test AREA.NAME.
 void RegisterJourneys(const fs::path& folder) {
-  std::vector<fs::path> files;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-    const fs::path& path = entry.path();
-    if (path.extension() == ".txt" && path.parent_path() != folder && DriverTakes(path)) files.push_back(path);
-  }
-  std::sort(files.begin(), files.end());
-  for (const fs::path& file : files) {
+  for (const fs::path& file : JourneyFiles(folder)) {
+    if (!DriverTakes(file)) continue;
     testing::RegisterTest(file.parent_path().filename().string().c_str(), file.stem().string().c_str(), nullptr,
                           nullptr, file.string().c_str(), 1, [file, folder]() -> testing::Test* {
                             return new JourneyTest(file, folder / "definitions.txt");

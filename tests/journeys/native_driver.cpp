@@ -26,6 +26,7 @@
 #include "journeys/servers.h"
 #include "product/product_forms.h"
 #include "sandbox/odbc/odbc_database.h"
+#include "sandbox/odbc/odbc_link.h"
 #include "support/fake_ports.h"
 #include "support/recording_database.h"
 #include "support/rich_text_reader.h"
@@ -54,7 +55,7 @@ std::string Quoted(const std::string& text) {
   return '"' + Escaped(text) + '"';
 }
 
-class NativeDriver final : public Driver,
+class NativeDriver final : public FaultyDriver,
                            private session::WorkingForm,
                            private ports::Desktop,
                            private ports::ErrorReporting,
@@ -148,6 +149,64 @@ class NativeDriver final : public Driver,
     return seen;
   }
 
+  void CountCalls() override {
+    plan_.every_call = true;
+    for (tests::Fallible* const part :
+         std::initializer_list<tests::Fallible*>{&settings_, &desktop_calls_, &reporting_calls_, &screen_.host}) {
+      part->faults = &plan_;
+    }
+    observer_ = std::make_unique<sandbox::OdbcLink>();
+    observer_->ConnectSource(sample_.source, "", "", 0);
+    version_ = Version();
+    known_rows_ = ReadLines();
+  }
+  tests::FaultPlan& plan() override { return plan_; }
+  std::string CallAt(int position) const override {
+    static const char* const kPorts[] = {"the connection", "an open",     "a query",      "a statement",
+                                         "a setting",      "the desktop", "the reporter", "the form host"};
+    const auto text = texts_.find(position);
+    if (text != texts_.end()) return text->second;
+    return kPorts[static_cast<int>(plan_.made.at(static_cast<std::size_t>(position)))];
+  }
+  std::vector<Seen> TakeEvents() override {
+    screen_.EndStep();
+    return std::exchange(events_, {});
+  }
+  std::vector<std::string> TakeLooseWrites() override { return std::exchange(loose_writes_, {}); }
+  Facts Forms() override {
+    Facts facts;
+    for (const auto& [name, form] : screen_.Forms()) std::ranges::copy(FactsOf(*form, name), std::back_inserter(facts));
+    return facts;
+  }
+  Rows CurrentRows() override {
+    if (std::string version = Version(); version != version_) {
+      version_ = std::move(version);
+      known_rows_ = ReadLines();
+    }
+    return known_rows_;
+  }
+  bool FrontIsIncomplete() override {
+    const auto* const form = Front();
+    return form != nullptr && form->Label1.Describe().find("Prima F5") != std::string::npos;
+  }
+  std::string LeftOpen() override {
+    bool open = session_.transaction_held;
+    try {
+      open = open || (!inside_ && session::InTransaction(session_));
+    } catch (const base::Error&) {
+      // The line is gone, and with it the transaction.
+    }
+    if (open) return "a transaction";
+    if (product_forms_.Busy()) return "an operation";
+    const auto forms = screen_.Forms();
+    const bool reach = std::ranges::any_of(forms, [](const auto& form) { return form.second->enabled(); });
+    return forms.empty() || reach ? "" : "no form that can be reached";
+  }
+  void SaveFront() override {
+    Front()->PrecosAltered = true;
+    Front()->Gravar();
+  }
+
  private:
   void Tell(const std::string& event) {
     TellWait();
@@ -192,6 +251,30 @@ class NativeDriver final : public Driver,
              {"shared-string", clear(session_.shared_connection_string)}}};
   }
 
+  product::frmMain* Front() const {
+    const auto forms = screen_.Forms();
+    const bool is_product = !forms.empty() && forms.back().second->name() == "frmMain";
+    return is_product ? static_cast<product::frmMain*>(forms.back().second.get()) : nullptr;
+  }
+  Rows ReadLines() {
+    static std::map<std::string, std::string> queries;
+    Rows rows;
+    for (const std::string& table : TablesWritten(kAllTables)) {
+      std::string& query = queries[table];
+      if (query.empty()) {
+        for (const auto& column : observer_->RunText("SELECT name FROM pragma_table_info('" + table + "')")) {
+          if (column[0] != "data_modified")
+            query += (query.empty() ? "" : " || ' ' || ") + ("quote(" + column[0] + ")");
+        }
+        query = "SELECT group_concat(line, char(10)) FROM (SELECT " + query + " AS line FROM " + table + ")";
+      }
+      rows[table] = observer_->RunText(query).front().front();
+    }
+    return rows;
+  }
+  // Changes with every commit of whatever connection.
+  std::string Version() { return observer_->RunText("PRAGMA data_version").front().front(); }
+
   // What a form shows before anything is in it: only what differs is worth saying of a new one.
   Facts DesignOf(const controls::Form& form, const std::string& name) {
     if (form.name() != "frmMain") return {{name, {}}};
@@ -205,6 +288,15 @@ class NativeDriver final : public Driver,
       if (!form->enabled()) names += ", " + name + " disabled";
     }
     return names;
+  }
+
+  // In the middle of something. Somebody who cannot do what he meant to do, because of a fault, lets it be.
+  void DoInside(const Step& step) {
+    try {
+      Do(step);
+    } catch (const std::runtime_error&) {
+      if (!plan_.every_call) throw;
+    }
   }
 
   static std::string Unquoted(const std::string& rest) {
@@ -246,6 +338,7 @@ class NativeDriver final : public Driver,
   // --- What the component asks of the outside ---
 
   Answer Ask(const ports::Message& message, controls::Form* over) override {
+    desktop_calls_.FailIfStruck(base::error_number::kOutOfMemory);
     Step given{.verb = "answer", .rest = "ok"};
     const bool cannot_be_shown = !answers_.empty() && answers_.front().rest == kCannotBeShown;
     if (message.buttons != ports::Buttons::kOk || cannot_be_shown) given = NextAnswer("nobody answered");
@@ -255,15 +348,16 @@ class NativeDriver final : public Driver,
          Quoted(message.text) + " -> " + given.rest);
     if (cannot_be_shown)
       throw base::Error(base::error_number::kOutOfMemory, "Windows cannot show the message: " + message.text);
-    for (const Step& step : given.inside) Do(step);
+    for (const Step& step : given.inside) DoInside(step);
     desktop_.answer = kAnswers.contains(given.rest) ? kAnswers.at(given.rest) : Answer::kCancel;
     return desktop_.Ask(message, over);
   }
   bool OpenDocument(const std::string& path, const std::string& folder, controls::Form* over) override {
     Tell("open document " + path + " in " + Quoted(folder));
-    return refused_.erase("document") == 0 && desktop_.OpenDocument(path, folder, over);
+    return refused_.erase("document") == 0 && !desktop_calls_.Strikes() && desktop_.OpenDocument(path, folder, over);
   }
   std::optional<std::string> AskFileToSave(const ports::FileToSave& file, controls::Form* over) override {
+    desktop_calls_.FailIfStruck(base::error_number::kOutOfMemory);
     const std::string given = NextAnswer("cancel").rest;
     Tell("save as " + Quoted(file.title) + " " + Quoted(file.name) + " " + Quoted(file.type_name) + " " +
          file.extension + " -> " + given);
@@ -272,7 +366,7 @@ class NativeDriver final : public Driver,
   }
   bool CopyText(const std::string& text) override {
     Tell("clipboard " + Quoted(text));
-    return refused_.erase("clipboard") == 0 && desktop_.CopyText(text);
+    return refused_.erase("clipboard") == 0 && !desktop_calls_.Strikes() && desktop_.CopyText(text);
   }
   // Each turn of the host lasts a second of the journey's time.
   bool PumpMessages() override {
@@ -282,7 +376,7 @@ class NativeDriver final : public Driver,
     for (const auto& [number, turn] : std::exchange(turns_, {})) later[number - 1] = turn;
     turns_ = std::move(later);
     if (const auto turn = turns_.extract(0)) {
-      for (const Step& step : turn.mapped().inside) Do(step);
+      for (const Step& step : turn.mapped().inside) DoInside(step);
     }
     return refused_.erase("turn") == 0 && desktop_.PumpMessages();
   }
@@ -290,6 +384,10 @@ class NativeDriver final : public Driver,
 
   bool Report(const ports::ErrorReport& report) noexcept override {
     if (reports_are_lost_) return false;
+    if (reporting_calls_.Strikes()) {
+      Tell("report lost");
+      return false;
+    }
     Tell("report " + report.product + " | " + report.project + " | " + report.module + " | " + report.procedure +
          " | " + Escaped(report.description));
     return true;
@@ -322,11 +420,19 @@ class NativeDriver final : public Driver,
     if (strikes) plan_.fail_at = plan_.calls;
     if (strikes) fail_at_.clear();
     if (call == session::DatabaseCall::kStatement) wrote_.merge(TablesWritten(text));
+    if (plan_.every_call) texts_[plan_.calls] = Escaped(text);
+    const bool writes = call == session::DatabaseCall::kStatement && !text.starts_with("SELECT");
+    if (writes && !inside_) loose_writes_.push_back(text);
     const bool connects = call == session::DatabaseCall::kOpen;
     TellStatement(connects ? "CONNECT " + Named(text) : Escaped(text));
   }
   void Ended(const session::CallRecord& record) noexcept override {
     if (record.error) TellStatement("  failed: " + Escaped(record.error->description()));
+    using session::DatabaseCall;
+    const bool line_gone = record.error && plan_.fault != tests::Fault::kFails;
+    const bool ends = record.call == DatabaseCall::kCommit || record.call == DatabaseCall::kRollback;
+    if (line_gone || (ends && !record.error)) inside_ = false;
+    if (record.call == DatabaseCall::kBegin && !record.error) inside_ = true;
   }
 
   // --- The steps ---
@@ -519,6 +625,11 @@ class NativeDriver final : public Driver,
   };
 
   std::vector<Seen> events_;
+  bool inside_ = false;  // a transaction, whoever's
+  std::vector<std::string> loose_writes_;
+  std::map<int, std::string> texts_;  // of the calls that have one
+  tests::Fallible desktop_calls_{tests::CallTo::kDesktop};
+  tests::Fallible reporting_calls_{tests::CallTo::kReporting};
   std::set<std::string> wrote_;  // tables, since the last look
   std::set<std::string> others_wrote_;
   int waited_ = 0;  // seconds
@@ -553,11 +664,19 @@ class NativeDriver final : public Driver,
   Facts files_;
   Facts session_facts_{SessionFact()};
   bool session_matters_ = false;  // in journeys that connect, log in or ask the keeper
+
+  std::unique_ptr<sandbox::OdbcLink> observer_;  // where calls are counted
+  std::string version_;                          // of the database, when these were read
+  Rows known_rows_;
 };
 
 }  // namespace
 
 std::unique_ptr<Driver> MakeDriver() {
+  return std::make_unique<NativeDriver>();
+}
+
+std::unique_ptr<FaultyDriver> MakeFaultyDriver() {
   return std::make_unique<NativeDriver>();
 }
 

@@ -25,6 +25,8 @@ struct Seen {
 struct Fact {
   std::string subject;
   std::vector<std::pair<std::string, std::string>> values;
+
+  bool operator==(const Fact&) const = default;
 };
 using Facts = std::vector<Fact>;
 

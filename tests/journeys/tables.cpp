@@ -20,8 +20,8 @@ constexpr struct {
                {"tbProdutos_Stocks_Minimos", {"produto_id", "armazem_id"}}};
 
 std::string TextOf(const base::Value& value) {
-  return value.is_date() ? base::Format(value, "yyyy-mm-dd hh:nn:ss", tests::EnglishLocale())
-                         : base::ToText(value, tests::EnglishLocale());
+  static const base::Locale kEnglish = tests::EnglishLocale();
+  return value.is_date() ? base::Format(value, "yyyy-mm-dd hh:nn:ss", kEnglish) : base::ToText(value, kEnglish);
 }
 
 bool Names(const std::string& statement, const std::string& table) {

@@ -30,17 +30,22 @@ namespace quenta::tests {
 // the plan's.
 class Fallible {
  public:
+  explicit Fallible(CallTo port) : port_(port) {}
+
   FaultPlan* faults = nullptr;
 
- protected:
-  bool Strikes() noexcept { return faults != nullptr && faults->Strikes(); }
+  bool Strikes() noexcept { return faults != nullptr && faults->Strikes(port_); }
   void FailIfStruck(std::int32_t error) {
     if (Strikes()) throw base::Error(error, "Injected failure");
   }
+
+ private:
+  CallTo port_;
 };
 
 class FakeErrorReporting final : public ports::ErrorReporting, public Fallible {
  public:
+  FakeErrorReporting() : Fallible(CallTo::kReporting) {}
   bool Report(const ports::ErrorReport& report) noexcept override {
     if (Strikes()) {
       ++lost;
@@ -77,6 +82,7 @@ class FakeErrorReporting final : public ports::ErrorReporting, public Fallible {
 // A registry and a file system in memory. Values are keyed "HKEY_LOCAL_MACHINE\key:name".
 class FakeSettings final : public ports::Settings, public Fallible {
  public:
+  FakeSettings() : Fallible(CallTo::kSettings) {}
   std::optional<std::string> ReadRegistryText(ports::RootKey root, const std::string& subkey,
                                               const std::string& value_name) override {
     if (Strikes() || root != 0x80000002U) return std::nullopt;
@@ -126,6 +132,7 @@ class FakeSettings final : public ports::Settings, public Fallible {
 // Answers questions as told and lets time pass in steps.
 class FakeDesktop final : public ports::Desktop, public Fallible {
  public:
+  FakeDesktop() : Fallible(CallTo::kDesktop) {}
   ports::Answer Ask(const ports::Message& message, controls::Form*) override {
     FailIfStruck(base::error_number::kOutOfMemory);
     messages.push_back(message);
@@ -174,6 +181,7 @@ class FakeDesktop final : public ports::Desktop, public Fallible {
 // Windows that exist only in name.
 class FakeFormHost final : public ports::FormHost, public Fallible {
  public:
+  FakeFormHost() : Fallible(CallTo::kFormHost) {}
   void Show(controls::Form& form) override {
     FailIfStruck(base::error_number::kOutOfMemory);
     shown[&form] = form.shared_from_this();
@@ -217,8 +225,8 @@ struct FakeServer {
 // Servers by data source name; users by name and clear password. Queries are answered by a function.
 class FakeDatabase final : public ports::Database, public Fallible {
  public:
+  FakeDatabase() : Fallible(CallTo::kQuery) {}
   std::unique_ptr<ports::Connection> CreateConnection() override;
-  using Fallible::FailIfStruck;
 
   std::map<std::string, FakeServer> servers;
   std::map<std::string, std::string> users;

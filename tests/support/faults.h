@@ -2,7 +2,7 @@
 #pragma once
 
 #include <chrono>
-#include <set>
+#include <vector>
 
 #include "base/error.h"
 
@@ -20,6 +20,9 @@ enum class Fault {
   kAllNull,       // a query's result has Null wherever there was a value
 };
 
+// Where a call goes. Those to a connection pass nothing on to the server.
+enum class CallTo { kConnection, kOpen, kQuery, kWrite, kSettings, kDesktop, kReporting, kFormHost };
+
 class FaultPlan {
  public:
   int fail_at = -1;  // position, from 0, of the call that goes wrong; -1 for none
@@ -29,18 +32,18 @@ class FaultPlan {
   // Of a database, counts every call, and not only opens, statements and transactions. Those that pass nothing on to
   // the server know one way to go wrong: they fail.
   bool every_call = false;
-  std::set<int> passed{};  // positions of those
+  std::vector<CallTo> made{};  // where each call went
 
   // Counts one more call; true when it is the one to go wrong.
-  bool Strikes() noexcept {
+  bool Strikes(CallTo to) noexcept {
+    made.push_back(to);
     const int position = calls++;
     return fail_at >= 0 && (position == fail_at || (fault == Fault::kFailsForGood && position > fail_at));
   }
 
   // A call of a database that passes nothing on to the server.
   void Pass() {
-    if (every_call) passed.insert(calls);
-    if (!every_call || !Strikes()) return;
+    if (!every_call || !Strikes(CallTo::kConnection)) return;
     if (fault == Fault::kFails || fault == Fault::kFailsForGood) {
       throw base::Error(base::error_number::kDataAccess, "Injected failure");
     }

@@ -39,12 +39,12 @@ class FaultyConnection final : public ports::Connection {
   int ConnectionTimeout() override { return plan_.Pass(), real_->ConnectionTimeout(); }
   void SetConnectionTimeout(int seconds) override { plan_.Pass(), real_->SetConnectionTimeout(seconds); }
   void Open() override {
-    Call([&] { real_->Open(); });
+    Call(CallTo::kOpen, [&] { real_->Open(); });
   }
   void OpenAsync() override {
     const bool late = plan_.fault == Fault::kIsLate && plan_.calls == plan_.fail_at;
     if (late) late_until_ = std::chrono::steady_clock::now() + plan_.late;
-    Call([&] { real_->OpenAsync(); });
+    Call(CallTo::kOpen, [&] { real_->OpenAsync(); });
   }
   void ThrowIfOpenFailed() override { plan_.Pass(), real_->ThrowIfOpenFailed(); }
   void Close() override {
@@ -55,26 +55,26 @@ class FaultyConnection final : public ports::Connection {
   }
   ports::RowSet Query(const std::string& sql) override {
     const bool strikes = plan_.calls == plan_.fail_at;
-    const ports::RowSet rows = Call([&] { return real_->Query(sql); });
+    const ports::RowSet rows = Call(CallTo::kQuery, [&] { return real_->Query(sql); });
     return strikes ? Disfigured(rows) : rows;
   }
   void Execute(const std::string& sql) override {
-    Call([&] { real_->Execute(sql); });
+    Call(CallTo::kWrite, [&] { real_->Execute(sql); });
   }
   void BeginTransaction() override {
-    Call([&] { real_->BeginTransaction(); });
+    Call(CallTo::kWrite, [&] { real_->BeginTransaction(); });
   }
   void CommitTransaction() override {
-    Call([&] { real_->CommitTransaction(); });
+    Call(CallTo::kWrite, [&] { real_->CommitTransaction(); });
   }
   void RollbackTransaction() override {
-    Call([&] { real_->RollbackTransaction(); });
+    Call(CallTo::kWrite, [&] { real_->RollbackTransaction(); });
   }
 
  private:
   template <typename Work>
-  std::invoke_result_t<Work> Call(Work&& work) {
-    const bool strikes = plan_.Strikes();
+  std::invoke_result_t<Work> Call(CallTo to, Work&& work) {
+    const bool strikes = plan_.Strikes(to);
     if (line_gone_) throw LineGone();
     if (strikes) Strike(work);
     return work();
@@ -151,23 +151,17 @@ class RecordingDatabase final : public ports::Database, public FaultPlan, privat
   std::unique_ptr<ports::Connection> CreateConnection() override { return log_.CreateConnection(); }
 
   std::vector<std::string> statements;  // "BEGIN", "COMMIT" and "ROLLBACK" stand for the transaction calls
-  std::vector<int> positions;           // of each of them among the plan's calls
-  std::vector<int> opens;               // positions, too
 
   // Forgets what was recorded; nothing goes wrong any more.
   void Forget() {
     statements.clear();
-    positions.clear();
-    opens.clear();
     static_cast<FaultPlan&>(*this) = {};
   }
 
  private:
   void Starting(session::DatabaseCall call, const std::string& text) override {
-    if (call == session::DatabaseCall::kOpen) opens.push_back(calls);
     if (call == session::DatabaseCall::kOpen || call == session::DatabaseCall::kClose) return;
     statements.push_back(text);
-    positions.push_back(calls);
   }
   void Ended(const session::CallRecord&) noexcept override {}
 

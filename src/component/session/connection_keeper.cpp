@@ -207,6 +207,7 @@ std::string SQLConnectionCheck(Session& session, ConnectionCheck& check) {
   if (session.state().primary_connection_string.empty()) return kNotKnown;
   const bool shared = check.connection == nullptr || check.connection == &session.SharedConnection();
   std::string answer = Keeper(session, check, shared ? nullptr : check.connection).Check();
+  if (shared && answer.empty()) session.TrustLine();
   try {
     if (shared) check.connection = &session.SharedConnection();
   } catch (const base::Error&) {

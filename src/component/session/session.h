@@ -49,13 +49,17 @@ class Session {
   // Makes an open connection the shared one, in place of what was; its whole connection string comes scrambled.
   void ShareConnection(std::unique_ptr<ports::Connection> connection, std::string scrambled_string) noexcept;
 
-  // Runs a statement on the shared connection.
-  ports::RowSet Query(const std::string& sql) { return SharedConnection().Query(sql); }
-  void Execute(const std::string& sql) { SharedConnection().Execute(sql); }
+  // Runs a statement on the shared connection. After one that failed the line is in doubt: the next one, outside of a
+  // transaction of ours, finds out first whether it answers, and restores it (connection_keeper.h).
+  ports::RowSet Query(const std::string& sql);
+  void Execute(const std::string& sql);
+  // The same doubt before a call that is made on the connection itself; the next statement that succeeds ends it.
+  void DoubtLine() noexcept { line_in_doubt_ = true; }
+  void TrustLine() noexcept { line_in_doubt_ = false; }
 
   // Lets go of the shared connection as it stands, whatever is open on it; the next use makes a new one, which is
   // closed.
-  void DropConnection() noexcept { shared_connection_.reset(); }
+  void DropConnection() noexcept;
 
   // Lets go of the shared connection and ends the session: COM is about to end, nothing may outlive it.
   void ReleaseConnection() noexcept;
@@ -80,9 +84,12 @@ class Session {
   std::optional<std::string> SettingsKey() const;
 
  private:
+  void RestoreDoubtfulLine();
+
   Ports ports_;
   SessionState state_;
   std::unique_ptr<ports::Connection> shared_connection_;
+  bool line_in_doubt_ = false;
   std::unique_ptr<base::Locale> locale_;
 };
 

@@ -16,6 +16,7 @@ Transaction::Transaction(Session& session) : session_(session) {
     throw base::Error(base::error_number::kInvalidCall, "Another operation has a transaction open.");
   }
   if (InTransaction(session_)) return;
+  session_.DoubtLine();
   session_.SharedConnection().BeginTransaction();
   owned_ = true;
   session_.transaction_held = true;
