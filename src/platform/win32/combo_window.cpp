@@ -59,6 +59,7 @@ class ComboWindow final : public ControlWindow {
         break;
       case Aspect::kLocked:
         if (edit_ != nullptr) SendMessageW(edit_, EM_SETREADONLY, combo_.locked() ? TRUE : FALSE, 0);
+        InvalidateRect(window(), nullptr, TRUE);
         break;
       case Aspect::kMaxLength:
         if (edit_ != nullptr) Send(CB_LIMITTEXT, combo_.max_length());
@@ -121,6 +122,10 @@ class ComboWindow final : public ControlWindow {
   }
 
   std::optional<LRESULT> OnMessage(HWND part, UINT message, WPARAM wparam, LPARAM) noexcept override {
+    if (combo_.locked() && combo_.enabled() && part == window()) {
+      if (message == WM_PAINT) return PaintLocked();
+      if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, TRUE);
+    }
     if (silent()) return std::nullopt;
     if (combo_.locked() && WouldChoose(part, message, wparam)) {
       if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) SetFocus(window());
@@ -131,6 +136,41 @@ class ComboWindow final : public ControlWindow {
   }
 
  private:
+  // A locked box looks as a read-only field does: grey, its text in full colour, and no arrow that promises a list.
+  // Windows has no such look for a combo box.
+  LRESULT PaintLocked() const noexcept {
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(window(), &paint);
+    if (dc == nullptr) return 0;
+    RECT place{};
+    GetClientRect(window(), &place);
+    if (edit_ != nullptr) {  // it paints itself
+      RECT edit{};
+      GetWindowRect(edit_, &edit);
+      MapWindowPoints(nullptr, window(), reinterpret_cast<POINT*>(&edit), 2);
+      ExcludeClipRect(dc, edit.left, edit.top, edit.right, edit.bottom);
+    }
+    FillRect(dc, &place, GetSysColorBrush(COLOR_3DFACE));
+    FrameRect(dc, &place, GetSysColorBrush(COLOR_3DSHADOW));
+    InflateRect(&place, -1, -1);
+    if (edit_ == nullptr) {
+      if (GetFocus() == window()) DrawFocusRect(dc, &place);
+      const HGDIOBJ font = SelectObject(dc, owner().font());
+      SetBkMode(dc, TRANSPARENT);
+      SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+      place.left += GetSystemMetrics(SM_CXEDGE) * 2;
+      try {
+        std::wstring text = WindowText(window());
+        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
+                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+      } catch (...) {  // out of memory: the box stays empty until it is painted again
+      }
+      SelectObject(dc, font);
+    }
+    EndPaint(window(), &paint);
+    return 0;
+  }
+
   // Messages that would change what a locked box shows, or open its list.
   bool WouldChoose(HWND part, UINT message, WPARAM wparam) const noexcept {
     switch (message) {

@@ -1,5 +1,6 @@
 // Controls' windows and their models: what the user does arrives as events, what the model does shows without echo.
 #include <atomic>
+#include <set>
 #include <thread>
 
 #include <windows.h>
@@ -207,6 +208,18 @@ TEST_F(ControlWindowTest, AnEntryOfAListBoxIsChosenByKeys) {
   Press(VK_DOWN);
   Press('C');
   EXPECT_EQ(form->FXFamilia_ID.ListIndex(), -1) << "a locked box cannot be chosen from";
+  // It looks closed: no arrow, as grey as a read-only field, its text still to be read.
+  RECT box{};
+  GetClientRect(Window("FXFamilia_ID"), &box);
+  UpdateWindow(Window("FXFamilia_ID"));
+  const HDC dc = GetDC(Window("FXFamilia_ID"));
+  const auto colours = [&](int from, int to) {
+    std::set<COLORREF> found;
+    for (int x = from; x < to; ++x) found.insert(GetPixel(dc, x, box.bottom / 2));
+    return found;
+  };
+  EXPECT_EQ(colours(box.right - 20, box.right - 2), std::set<COLORREF>{GetSysColor(COLOR_3DFACE)});
+  ReleaseDC(Window("FXFamilia_ID"), dc);
 }
 
 TEST_F(ControlWindowTest, RowsAreChosenActivatedAndChecked) {
