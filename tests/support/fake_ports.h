@@ -1,12 +1,12 @@
 // Hand-written stand-ins for the outside, for faults that no real one produces on demand.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -198,14 +198,15 @@ class FakeFormHost final : public ports::FormHost, public Fallible {
   }
   void StartTimer(ports::TimerTarget& target, int) override {
     FailIfStruck(base::error_number::kOutOfMemory);
-    timers.insert(&target);
+    StopTimer(target);
+    timers.push_back(&target);
   }
-  void StopTimer(ports::TimerTarget& target) noexcept override { timers.erase(&target); }
+  void StopTimer(ports::TimerTarget& target) noexcept override { std::erase(timers, &target); }
 
-  // Lets the interval of every timer pass once.
+  // Lets the interval of every timer pass once, in the order in which they were started.
   void PassTime() {
-    for (ports::TimerTarget* target : std::set<ports::TimerTarget*>(timers)) {
-      if (timers.count(target) > 0) target->OnTimer();
+    for (ports::TimerTarget* target : std::vector<ports::TimerTarget*>(timers)) {
+      if (std::find(timers.begin(), timers.end(), target) != timers.end()) target->OnTimer();
     }
   }
 
@@ -213,7 +214,7 @@ class FakeFormHost final : public ports::FormHost, public Fallible {
   std::vector<bool> window_order;
   std::string focused;
   std::vector<std::string> popped_up;
-  std::set<ports::TimerTarget*> timers;
+  std::vector<ports::TimerTarget*> timers;
 };
 
 // How a server of FakeDatabase behaves when a connection to it is opened.
